@@ -1,0 +1,170 @@
+#pragma once
+
+#include "LibCore/error/zberrcode.h"
+#include "LibCore/error/zberrdetails.h"
+
+#include <cstdarg>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+class ZBErrHandler;
+
+// The process-wide error state: the code table, the stack of records (newest
+// first), the handlers and what to do per severity. Reached through get_zberror();
+// a default one exists before start-up so that reporting never fails.
+// Not thread-safe: background threads catch ZBErrDetails and pass the value on.
+class ZBError {
+public:
+    enum ZBErrActions { E_ActionAssert = 0, E_ActionThrow = 1, E_ActionReturn = 2 };
+
+    ZBError();
+    ZBError(const std::string& program, const std::string& release, const std::string& vendor);
+    virtual ~ZBError();
+
+    // The code table. Codes are positions, allocated by name while the process starts.
+    static int allocate_code(const std::string& name, const std::string& description);
+    static const ZBErrCode& get_code(int code);
+    static int get_ncodes();
+
+    int report(const ZBErrDetails& details);
+    int activate();
+    int handle_error(bool immediate, bool delayed);
+    void write_log(ZBErrDetails& details);
+    int perform_action();
+
+    void add_handler(ZBErrHandler* handler);
+    void remove_handler(ZBErrHandler* handler);
+    int get_nhandlers() const { return int(m_handler.size()); }
+
+    int get_nerrors() const { return int(m_error.size()); }
+    ZBErrDetails* top();
+    const ZBErrDetails* top() const;
+    void clear_last_error();
+    void clear_all();
+
+    void set_stream(std::ostream* stream, int severity);
+    void set_action(int action, int severity);
+    int get_action(int severity) const;
+    void set_errorui(bool on) { m_errorui = on; }
+    bool get_errorui() const { return m_errorui; }
+    void set_deftime(long long micros) { m_defTime = micros; }
+    const std::string& get_default_message(ZBErrAspect aspect) const { return m_defaultMessage[aspect]; }
+    const std::string& get_program() const { return m_program; }
+
+    void dump(std::ostream& out, int indent) const;
+
+private:
+    std::vector<ZBErrDetails> m_error;
+    std::string m_program;
+    std::string m_release;
+    std::string m_vendor;
+    long long m_defTime;
+    std::string m_defaultMessage[2];
+    int m_action[5];
+    std::ostream* m_stream[5];
+    std::vector<ZBErrHandler*> m_handler;
+    bool m_errorui;
+};
+
+ZBError& get_zberror();
+// Replaces the singleton (the frame does this at start-up); takes ownership.
+void set_zberror(ZBError* error);
+
+// Core codes, in allocation order. The numbers are given out at start-up.
+extern int ZBErrC_ok;
+extern int ZBErrC_okEndOfFile;
+extern int ZBErrC_okEndOfRecord;
+extern int ZBErrC_okFileChanged;
+extern int ZBErrC_okFileNotChanged;
+extern int ZBErrC_okOK;
+extern int ZBErrC_okCancel;
+extern int ZBErrC_okCreate;
+extern int ZBErrC_okEdit;
+extern int ZBErrC_okShutdown;
+extern int ZBErrC_okRestart;
+extern int ZBErrC_okNext;
+extern int ZBErrC_okPrevious;
+extern int ZBErrC_okDelete;
+extern int ZBErrC_okFinished;
+extern int ZBErrC_okNotFinished;
+extern int ZBErrC_okSucceeded;
+extern int ZBErrC_okFailed;
+extern int ZBErrC_okHandled;
+extern int ZBErrC_Error;
+extern int ZBErrC_Assert;
+extern int ZBErrC_StringNull;
+extern int ZBErrC_StringBounds;
+extern int ZBErrC_StringFormat;
+extern int ZBErrC_ArrayBounds;
+extern int ZBErrC_ArrayFull;
+extern int ZBErrC_ArrayEmpty;
+extern int ZBErrC_ArrayWrongLength;
+extern int ZBErrC_MapCorrupt;
+extern int ZBErrC_NullPointer;
+extern int ZBErrC_NullSingleton;
+extern int ZBErrC_DynamicCast;
+extern int ZBErrC_CaseMissing;
+extern int ZBErrC_UnknownReturnCode;
+extern int ZBErrC_VirtualOverride;
+extern int ZBErrC_InvalidState;
+extern int ZBErrC_InvalidValue;
+extern int ZBErrC_RecordEdited;
+extern int ZBErrC_RecordNotEdited;
+extern int ZBErrC_FileName;
+extern int ZBErrC_FileOpen;
+extern int ZBErrC_FileCreate;
+extern int ZBErrC_FileRename;
+extern int ZBErrC_FileDelete;
+extern int ZBErrC_FileExists;
+extern int ZBErrC_FileNotExist;
+extern int ZBErrC_FileAlreadyOpen;
+extern int ZBErrC_FileNotOpen;
+extern int ZBErrC_FileRead;
+extern int ZBErrC_FileWrite;
+extern int ZBErrC_FileClose;
+extern int ZBErrC_FileLineInvalid;
+extern int ZBErrC_FileLineTooShort;
+extern int ZBErrC_FileTooShort;
+extern int ZBErrC_FileInvalid;
+extern int ZBErrC_FileMissingRecord;
+extern int ZBErrC_OutOfMemory;
+extern int ZBErrC_ProcessStart;
+extern int ZBErrC_EnvVar;
+// Allocated after the core table by the parameter store.
+extern int ZBErrC_okNotHandled;
+
+// Value tests. A negative value means "ask the current error".
+bool iszberr(int value);
+bool iszbwarn(int value);
+int zberrorvalue();
+
+std::string zblocation(const char* file, int line);
+#define ZBLOC ::Tervalon::zblocation(__FILE__, __LINE__)
+
+std::string zb_sprintf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+std::string zb_vsprintf(const char* format, va_list args);
+
+int zbsysreport(int code, int severity, const std::string& location, const std::string& text, ZBErrAspect aspect = ZBErrAsp_System);
+int zberror(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int zberror_and_handle(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int zbwarning(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int zbwarnuser(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int zblog(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int zbuserinfo_set(const char* format, ...) __attribute__((format(printf, 1, 2)));
+int zbhandle_error(int value, int severityOfDialog);
+int zbusererror_handle(bool delayed);
+void zbappend_location(const std::string& location);
+// Appends the caller's location to the current record and returns its value.
+int zbpass(const std::string& location);
+void handle_last_error(int value);
+void handle_last_warning(int value);
+void clear_last_error();
+
+// Assertions report "Assertion Failed: " and the condition.
+int zbassert_failed(const char* condition, const std::string& location);
+#define ZBASSERT(cond) ((cond) ? 0 : ::Tervalon::zbassert_failed(#cond, ZBLOC))
+
+} // namespace Tervalon

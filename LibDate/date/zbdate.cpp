@@ -1,0 +1,434 @@
+#include "LibDate/date/zbdate.h"
+#include "LibDate/date/zbdateutils.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <istream>
+#include <ostream>
+#include <sstream>
+
+namespace Tervalon {
+
+const int ZBDate::C_DaysInMonth[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+const int ZBDate::C_DaysInMonthL[12] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+const ZBDate ZBDate::C_Blank(ZBDate::E_Blank);
+const ZBDate ZBDate::C_Invalid(ZBDate::E_Invalid);
+
+namespace {
+
+// Days from 1 January 1970 to 1 January of a year.
+std::int64_t days_before_year(int year)
+{
+    std::int64_t y = std::int64_t(year) - 1;
+    std::int64_t leaps = y / 4 - y / 100 + y / 400;
+    const std::int64_t leaps1970 = 1969 / 4 - 1969 / 100 + 1969 / 400;
+    return (std::int64_t(year) - 1970) * 365 + (leaps - leaps1970);
+}
+
+} // namespace
+
+ZBDate::ZBDate() : ZBDate(E_Invalid) {}
+
+ZBDate::ZBDate(E_DateInit init) : m_year(0), m_day(0), m_second(0), m_micro(0), m_timeZone(0)
+{
+    if (init == E_Invalid)
+        m_year = C_InvalidDateYear;
+    else if (init == E_Blank)
+        m_year = C_BlankDateYear;
+}
+
+ZBDate::ZBDate(int year, int dayOfYear, int secondOfDay, int micro, int zone)
+    : m_year(year), m_day(dayOfYear), m_second(secondOfDay), m_micro(micro), m_timeZone(0)
+{
+    recalculate();
+    set_timezone(zone);
+}
+
+ZBDate::ZBDate(int year, int month, int day, int hour, int minute, int second, int micro, int zone) : ZBDate()
+{
+    set_date(year, month, day, hour, minute, second, micro, zone);
+}
+
+bool ZBDate::is_zero() const
+{
+    return m_year == 0 && m_day == 0 && m_second == 0 && m_micro == 0;
+}
+
+bool ZBDate::is_blank() const
+{
+    return m_year == C_BlankDateYear && m_day == 0 && m_second == 0 && m_micro == 0;
+}
+
+bool ZBDate::is_invalid() const
+{
+    return m_year == C_InvalidDateYear && m_day == 0 && m_second == 0 && m_micro == 0;
+}
+
+bool ZBDate::is_ok() const
+{
+    return m_day != 0 || m_second != 0 || m_micro != 0 || (m_year != C_InvalidDateYear && m_year != C_BlankDateYear);
+}
+
+void ZBDate::set_zero()
+{
+    *this = ZBDate(E_Zero);
+}
+
+void ZBDate::set_blank()
+{
+    *this = ZBDate(E_Blank);
+}
+
+void ZBDate::set_invalid()
+{
+    *this = ZBDate(E_Invalid);
+}
+
+void ZBDate::set_date(int year, int month, int day, int hour, int minute, int second, int micro, int zone)
+{
+    m_timeZone = 0;
+    int outYear = 0;
+    int outDay = 0;
+    ZBDateUtils::calc_yearday(year, month, day, outYear, outDay);
+    m_year = outYear;
+    m_day = outDay;
+    m_second = hour * C_HourSecs + minute * C_MinSecs + second;
+    m_micro = micro;
+    recalculate();
+    // The clock fields are in the zone: first guess the zone from the clock
+    // time, then settle its DST flag for the moment that gives.
+    int expanded = ZBDateUtils::expand_timezone(zone, *this);
+    m_second -= ZBDateUtils::zone_to_seconds(expanded, true);
+    recalculate();
+    if (zone == C_LocalTime || zone == C_DefaultTime) {
+        int again = ZBDateUtils::expand_timezone(zone, *this);
+        if (again != expanded) {
+            m_second += ZBDateUtils::zone_to_seconds(expanded, true) - ZBDateUtils::zone_to_seconds(again, true);
+            recalculate();
+            expanded = again;
+        }
+    }
+    m_timeZone = expanded;
+}
+
+void ZBDate::set_time_t(std::time_t seconds, int zone)
+{
+    from_micros(std::int64_t(seconds) * C_MicroSecs, zone);
+}
+
+std::time_t ZBDate::get_time_t() const
+{
+    if (m_year < 1940 || m_year > 2030)
+        return 0;
+    return std::time_t(to_micros() / C_MicroSecs);
+}
+
+std::int64_t ZBDate::to_micros() const
+{
+    std::int64_t days = days_before_year(m_year) + m_day;
+    return (days * C_DaySecs + m_second) * std::int64_t(C_MicroSecs) + m_micro;
+}
+
+void ZBDate::from_micros(std::int64_t micros, int zone)
+{
+    m_year = 1970;
+    std::int64_t seconds = micros / C_MicroSecs;
+    std::int64_t micro = micros % C_MicroSecs;
+    if (micro < 0) {
+        micro += C_MicroSecs;
+        seconds -= 1;
+    }
+    std::int64_t days = seconds / C_DaySecs;
+    std::int64_t second = seconds % C_DaySecs;
+    if (second < 0) {
+        second += C_DaySecs;
+        days -= 1;
+    }
+    // Jump by 400-year cycles (146097 days) before walking years.
+    std::int64_t cycles = days / 146097;
+    days -= cycles * 146097;
+    if (days < 0) {
+        days += 146097;
+        cycles -= 1;
+    }
+    m_year = int(1970 + cycles * 400);
+    m_day = int(days);
+    m_second = int(second);
+    m_micro = int(micro);
+    m_timeZone = 0;
+    recalculate();
+    set_timezone(zone);
+}
+
+void ZBDate::set_timezone(int zone)
+{
+    m_timeZone = ZBDateUtils::expand_timezone(zone, *this);
+}
+
+void ZBDate::set_latest(const ZBDate& other)
+{
+    if (!is_ok() || (other.is_ok() && other > *this))
+        *this = other;
+}
+
+void ZBDate::set_earliest(const ZBDate& other)
+{
+    if (!is_ok() || (other.is_ok() && other < *this))
+        *this = other;
+}
+
+void ZBDate::recalculate()
+{
+    if (!is_ok())
+        return;
+    std::int64_t second = m_second + m_micro / C_MicroSecs;
+    int micro = m_micro % C_MicroSecs;
+    if (micro < 0) {
+        micro += C_MicroSecs;
+        second -= 1;
+    }
+    std::int64_t day = m_day + second / C_DaySecs;
+    second %= C_DaySecs;
+    if (second < 0) {
+        second += C_DaySecs;
+        day -= 1;
+    }
+    int year = m_year;
+    while (day < 0) {
+        year -= 1;
+        day += ZBDateUtils::days_in_year(year);
+    }
+    while (day >= ZBDateUtils::days_in_year(year)) {
+        day -= ZBDateUtils::days_in_year(year);
+        year += 1;
+    }
+    m_year = year;
+    m_day = int(day);
+    m_second = int(second);
+    m_micro = micro;
+}
+
+bool ZBDate::from_string(const std::string& text, const ZBDate*, const ZBRepeatConfig*)
+{
+    std::istringstream in(text);
+    ZBDate date;
+    in >> date;
+    *this = date;
+    return is_ok();
+}
+
+std::string ZBDate::to_iso() const
+{
+    if (!is_ok())
+        return std::string();
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    ZBDateUtils::breakdown_yearday(m_day, m_year, year, month, day);
+    char buffer[64];
+    if (m_micro)
+        std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02dT%02d:%02d:%02d.%06dZ", year, month + 1, day + 1,
+                      m_second / 3600, m_second / 60 % 60, m_second % 60, m_micro);
+    else
+        std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02dT%02d:%02d:%02dZ", year, month + 1, day + 1, m_second / 3600,
+                      m_second / 60 % 60, m_second % 60);
+    return buffer;
+}
+
+bool ZBDate::operator==(const ZBDate& other) const
+{
+    return m_year == other.m_year && m_day == other.m_day && m_second == other.m_second && m_micro == other.m_micro
+        && m_timeZone == other.m_timeZone;
+}
+
+namespace {
+int compare_fields(const ZBDate& a, const ZBDate& b)
+{
+    if (a.get_year() != b.get_year())
+        return a.get_year() < b.get_year() ? -1 : 1;
+    if (a.get_day_of_year() != b.get_day_of_year())
+        return a.get_day_of_year() < b.get_day_of_year() ? -1 : 1;
+    if (a.get_second_of_day() != b.get_second_of_day())
+        return a.get_second_of_day() < b.get_second_of_day() ? -1 : 1;
+    if (a.get_microsecond() != b.get_microsecond())
+        return a.get_microsecond() < b.get_microsecond() ? -1 : 1;
+    return 0;
+}
+} // namespace
+
+// A date that is not ok acts as later than every real date; see the table in doc/dates.md.
+bool ZBDate::operator<(const ZBDate& other) const
+{
+    if (!is_ok())
+        return false;
+    if (!other.is_ok())
+        return true;
+    return compare_fields(*this, other) < 0;
+}
+
+bool ZBDate::operator<=(const ZBDate& other) const
+{
+    if (!is_ok())
+        return false;
+    if (!other.is_ok())
+        return true;
+    return compare_fields(*this, other) <= 0;
+}
+
+bool ZBDate::operator>(const ZBDate& other) const
+{
+    if (!is_ok())
+        return true;
+    if (!other.is_ok())
+        return false;
+    return compare_fields(*this, other) > 0;
+}
+
+bool ZBDate::operator>=(const ZBDate& other) const
+{
+    if (!is_ok())
+        return true;
+    if (!other.is_ok())
+        return false;
+    return compare_fields(*this, other) >= 0;
+}
+
+ZBDate ZBDate::operator+(const ZBDuration& duration) const
+{
+    ZBDate result(*this);
+    result += duration;
+    return result;
+}
+
+ZBDate ZBDate::operator-(const ZBDuration& duration) const
+{
+    ZBDate result(*this);
+    result -= duration;
+    return result;
+}
+
+ZBDate& ZBDate::operator+=(const ZBDuration& duration)
+{
+    if (!is_ok())
+        return *this;
+    m_day += int(duration.get_days());
+    m_second += int(duration.get_seconds());
+    m_micro += duration.get_micro();
+    recalculate();
+    return *this;
+}
+
+ZBDate& ZBDate::operator-=(const ZBDuration& duration)
+{
+    return *this += -duration;
+}
+
+ZBDuration ZBDate::operator-(const ZBDate& other) const
+{
+    std::int64_t micros = to_micros() - other.to_micros();
+    return ZBDuration(0, micros / C_MicroSecs, int(micros % C_MicroSecs));
+}
+
+void ZBDate::dump(std::ostream& out, int indent) const
+{
+    out << std::string(indent * 4, ' ') << "ZBDate " << m_year << "/" << m_day << "/" << m_second << "/" << m_micro
+        << " zone " << m_timeZone << "\n";
+}
+
+bool compare_zbdates(const ZBDate& a, const ZBDate& b)
+{
+    return a < b;
+}
+
+std::ostream& operator<<(std::ostream& out, const ZBDate& date)
+{
+    int year = date.get_year();
+    int month = 0;
+    int day = 0;
+    if (date.is_ok())
+        ZBDateUtils::breakdown_yearday(date.get_day_of_year(), date.get_year(), year, month, day);
+    int second = date.get_second_of_day();
+    char buffer[80];
+    if (date.get_microsecond() != 0)
+        std::snprintf(buffer, sizeof buffer, "%06d%02d%02d%02d%02d%02d%05d%06d", date.get_microsecond(), second % 60,
+                      second / 60 % 60, second / 3600, day, month, year, date.get_timezone());
+    else
+        std::snprintf(buffer, sizeof buffer, "%02d%02d%02d%02d%02d%05d%06d", second % 60, second / 60 % 60,
+                      second / 3600, day, month, year, date.get_timezone());
+    return out << buffer;
+}
+
+namespace {
+int field(const std::string& digits, size_t& pos, size_t width)
+{
+    std::string part = digits.substr(pos, width);
+    pos += width;
+    return int(std::strtol(part.c_str(), nullptr, 10));
+}
+} // namespace
+
+std::istream& operator>>(std::istream& in, ZBDate& date)
+{
+    std::string digits;
+    char c;
+    while (in.get(c) && (c == ' ' || c == '\t')) {
+    }
+    if (!in)
+        return in;
+    if (c == '"') {
+        std::string text;
+        while (in.get(c) && c != '"')
+            text += c;
+        date.from_string(text);
+        if (in.eof())
+            in.clear(std::ios::eofbit);
+        return in;
+    }
+    in.unget();
+    while (in.get(c)) {
+        if ((c >= '0' && c <= '9') || c == '-')
+            digits += c;
+        else {
+            in.unget();
+            break;
+        }
+    }
+    if (in.eof())
+        in.clear(std::ios::eofbit);
+    if (digits.empty()) {
+        in.setstate(std::ios::failbit);
+        return in;
+    }
+    if (digits.size() < 12) {
+        // The old form: a time_t in the default zone.
+        date.set_time_t(std::time_t(std::strtoll(digits.c_str(), nullptr, 10)), ZBDate::C_DefaultTime);
+        return in;
+    }
+    size_t pos = 0;
+    int micro = digits.size() > 26 ? field(digits, pos, 6) : 0;
+    int second = field(digits, pos, 2);
+    int minute = field(digits, pos, 2);
+    int hour = field(digits, pos, 2);
+    int day = field(digits, pos, 2);
+    int month = field(digits, pos, 2);
+    int year = field(digits, pos, 5);
+    int zone = pos < digits.size() ? field(digits, pos, 6) : 0;
+    if (year == ZBDate::C_BlankDateYear && !micro && !second && !minute && !hour && !day && !month) {
+        date.set_blank();
+        return in;
+    }
+    if (year == ZBDate::C_InvalidDateYear && !micro && !second && !minute && !hour && !day && !month) {
+        date.set_invalid();
+        return in;
+    }
+    if (year == 0 && !micro && !second && !minute && !hour && !day && !month) {
+        date.set_zero();
+        return in;
+    }
+    // The fields are UTC: build in GMT, then keep the stored zone for showing.
+    ZBDate parsed(year, month, day, hour, minute, second, micro, ZBDate::C_GMT);
+    date = ZBDate(parsed.get_year(), parsed.get_day_of_year(), parsed.get_second_of_day(), parsed.get_microsecond(), zone);
+    return in;
+}
+
+} // namespace Tervalon

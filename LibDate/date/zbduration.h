@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+namespace Tervalon {
+
+// A length of time in days, seconds and microseconds, kept normalised: the
+// parts agree in sign, seconds stay under a day and micro under a second.
+class ZBDuration {
+public:
+    ZBDuration();
+    explicit ZBDuration(std::int64_t seconds);
+    ZBDuration(std::int64_t days, std::int64_t seconds, std::int32_t micro);
+    virtual ~ZBDuration() = default;
+
+    void set_duration(std::int64_t days, std::int64_t seconds, std::int32_t micro);
+    std::int64_t get_days() const { return m_days; }
+    std::int64_t get_seconds() const { return m_seconds; }
+    std::int32_t get_micro() const { return m_micro; }
+    std::int64_t get_as_seconds() const;
+    double get_as_dseconds() const;
+    double get_as_days() const;
+    bool is_zero() const { return m_days == 0 && m_seconds == 0 && m_micro == 0; }
+
+    bool operator==(const ZBDuration& other) const;
+    bool operator!=(const ZBDuration& other) const { return !(*this == other); }
+    bool operator<(const ZBDuration& other) const;
+    bool operator>(const ZBDuration& other) const { return other < *this; }
+    bool operator<=(const ZBDuration& other) const { return !(other < *this); }
+    bool operator>=(const ZBDuration& other) const { return !(*this < other); }
+    ZBDuration operator+(const ZBDuration& other) const;
+    ZBDuration operator-(const ZBDuration& other) const;
+    ZBDuration& operator+=(const ZBDuration& other);
+    ZBDuration& operator-=(const ZBDuration& other);
+    ZBDuration operator-() const;
+
+    virtual void dump(std::ostream& out, int indent) const;
+
+private:
+    std::int64_t m_days;
+    std::int64_t m_seconds;
+    std::int32_t m_micro;
+};
+
+// Stored text: "%08ld%08ld@" for days and seconds, "%08ld%08ld%06d@" with microseconds.
+std::ostream& operator<<(std::ostream& out, const ZBDuration& duration);
+std::istream& operator>>(std::istream& in, ZBDuration& duration);
+
+} // namespace Tervalon

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds in Release and runs the program: the window
+# where there is a display, otherwise the command-line program on a sample diary.
+set -euo pipefail
+cd "$(dirname "$0")"
+tools/deps.sh
+export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DTERVALON_BENCH=ON >/dev/null
+cmake --build build --parallel "$(nproc)"
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  exec build/bin/tervalon-diary "$@"
+fi
+file="${1:-}"
+if [ -z "$file" ]; then
+  # No display and no file: show the command-line program on a sample diary,
+  # made afresh in a scratch folder so no file of the user's is touched.
+  scratch="$(mktemp -d)"
+  file="$scratch/sample.zbd"
+  examples/make-sample.sh "$file" >/dev/null
+fi
+echo "No display: showing $file with the command-line program."
+build/bin/tervalon check "$file"
+build/bin/tervalon dump "$file" | head -40

@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the tests with AddressSanitizer and
+# UndefinedBehaviorSanitizer, and runs every one through ctest.
+set -euo pipefail
+cd "$(dirname "$0")"
+tools/deps.sh
+export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
+cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTERVALON_TESTS=ON -DTERVALON_SANITIZE=ON >/dev/null
+cmake --build build/asan --parallel "$(nproc)"
+cd build/asan
+QT_QPA_PLATFORM=offscreen ctest --output-on-failure --parallel "$(nproc)" "$@"
