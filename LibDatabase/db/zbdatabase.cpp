@@ -1,0 +1,884 @@
+#include "LibDatabase/db/zbdatabase.h"
+#include "LibDatabase/db/zbdbcontainer.h"
+#include "LibCore/application/zbapplication.h"
+#include "LibDate/date/zbdateutils.h"
+#include "LibObject/object/zbdump.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHostInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+#include <fstream>
+#include <sstream>
+
+namespace Tervalon {
+
+const char* const ZBDatabase::C_DlmtDBIdentifier = "ZBDatabase:7685";
+const char* const ZBDatabase::C_DlmtVersion = "Version";
+const char* const ZBDatabase::C_DlmtTransaction = "Transaction";
+const char* const ZBDatabase::C_ObjectStart = "O:";
+const char* const ZBDatabase::C_IdMgr = "IM";
+const char* const ZBDatabase::C_DatabaseService = "Database";
+const char* const ZBDatabase::C_DatabasePartDirParam = "PartDir";
+const char* const ZBDatabase::C_DatabasePartDirLabel = "Temporary File Location";
+const std::string ZBDatabase::C_DatabaseAllTag = "DB:";
+const char* const ZBDatabase::C_SpecTag = "OS";
+const char* const ZBDatabase::C_DefaultSpecName = "Default";
+const char* const ZBDatabase::C_TopLevelSpecName = "TopLevel";
+const char* const ZBDatabase::C_DefaultChildName = "Object";
+const char* const ZBDatabase::C_QueryTag = "QU";
+const char* const ZBDatabase::C_NoteTag = "NO";
+const char* const ZBDatabase::C_SystemReference = "SYSTEM";
+
+int ZBDatabase::ZBErrC_NotADatabase = ZBError::allocate_code("ZBErrC_NotADatabase", "The specified file is not a ZBDatabase file.");
+int ZBDatabase::ZBErrC_InvalidDatabaseVersion =
+    ZBError::allocate_code("ZBErrC_InvalidDatabaseVersion", "The database file version is not recognised.");
+int ZBDatabase::ZBErrC_NewerAppVersion =
+    ZBError::allocate_code("ZBErrC_NewerAppVersion", "The database file was written with a newer version of the app.");
+int ZBDatabase::ZBErrC_ObjectIdNotFound =
+    ZBError::allocate_code("ZBErrC_ObjectIdNotFound", "Could not find the specified object ID in the database.");
+int ZBDatabase::ZBErrC_CorruptDatabase = ZBError::allocate_code("ZBErrC_CorruptDatabase", "Corrupt database file.");
+int ZBDatabase::ZBErrC_CorruptPartial = ZBError::allocate_code("ZBErrC_CorruptPartial", "Corrupt database session file.");
+int ZBDatabase::ZBErrC_Intermediate = ZBError::allocate_code("ZBErrC_Intermediate", "Some files still remain from last session.");
+int ZBDatabase::ZBErrC_DatabaseNotLoaded = ZBError::allocate_code("ZBErrC_DatabaseNotLoaded", "No database file loaded.");
+int ZBDatabase::ZBErrC_DatabaseReadOnly = ZBError::allocate_code("ZBErrC_DatabaseReadOnly", "Database opened read-only.");
+int ZBDatabase::ZBErrC_DatabaseAlreadyLoaded =
+    ZBError::allocate_code("ZBErrC_DatabaseAlreadyLoaded", "Database file already loaded.");
+int ZBDatabase::ZBErrC_WrongAppType =
+    ZBError::allocate_code("ZBErrC_WrongAppType", "Database file for different application type.");
+
+namespace {
+
+ZBObjectPreReg g_register("ZBDatabase", &ZBDatabase::create_zbobject);
+
+std::string running_release()
+{
+    return has_zbapplication() ? zbapplication().get_release() : std::string();
+}
+
+std::string application_name()
+{
+    return has_zbapplication() ? zbapplication().get_title() : std::string("this program");
+}
+
+std::string host_name()
+{
+    if (has_zbapplication())
+        return zbapplication().get_hostname();
+    return QHostInfo::localHostName().toStdString();
+}
+
+std::string trim_right(std::string text)
+{
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
+        text.pop_back();
+    return text;
+}
+
+} // namespace
+
+ZBDatabase::ZBDatabase()
+    : m_object(false), m_uniqueId(0), m_lastFullWrite(0), m_lastPartialWrite(0), m_firstPartialWrite(true),
+      m_lastStructureChange(0), m_readOnly(false), m_isLoaded(false), m_isResolved(false), m_backupCount(5),
+      m_lastBackup(ZBDate::E_Zero), m_loadID(1), m_databaseFileVersion(0), m_appFileVersion(0), m_featureCount(0),
+      m_appRelease(running_release()), m_writeTime(ZBDate::E_Blank), m_latestWrite(ZBDate::E_Blank),
+      m_actionMgr(nullptr), m_pauseBackground(false), m_recalcComplete(false)
+{
+    ZBDatabase::register_zbobject();
+}
+
+ZBDatabase::~ZBDatabase()
+{
+    stop_recalc_thread();
+}
+
+void ZBDatabase::register_zbobject()
+{
+    register_objectname("ZBDatabase", &ZBDatabase::create_zbobject);
+}
+
+// A database is never copied whole; a copy is a new empty one that reads the other's text.
+int ZBDatabase::create_zbobject(ZBObject*& out, const ZBObject* from)
+{
+    ZBDatabase* db = new ZBDatabase();
+    out = db;
+    if (from)
+        return db->derived_assign(*from, 0);
+    return ZBErrC_ok;
+}
+
+void ZBDatabase::dump(std::ostream& out, int indent) const
+{
+    ZBDump dump("ZBDatabase", out, indent);
+    dump.add("m_object", m_object.size());
+    dump.add("m_uniqueId", m_uniqueId);
+    dump.add("m_lastFullWrite", m_lastFullWrite);
+    dump.add("m_lastPartialWrite", m_lastPartialWrite);
+    dump.add("m_firstPartialWrite", m_firstPartialWrite);
+    dump.add("m_lastStructureChange", m_lastStructureChange);
+    dump.add_entry("m_completeFile", m_completeFile);
+    dump.add_entry("m_partialFile", m_partialFile);
+    dump.add_entry("m_baseFile", m_baseFile);
+    dump.add_entry("m_indexFile", m_indexFile);
+    dump.add("m_readOnly", m_readOnly);
+    dump.add("m_isLoaded", m_isLoaded);
+    dump.add("m_isResolved", m_isResolved);
+    dump.add("m_backupCount", m_backupCount);
+    dump.add_entry("m_appType", m_appType);
+    dump.add("m_loadID", m_loadID);
+    dump.add("m_databaseFileVersion", m_databaseFileVersion);
+    dump.add("m_appFileVersion", m_appFileVersion);
+    dump.add("m_featureCount", m_featureCount);
+    dump.add_entry("m_appRelease", m_appRelease);
+    dump.add_entry("m_comment", m_comment);
+    dump.add("m_external", m_external.size());
+    dump.add_entry("m_writeTime", m_writeTime.to_iso());
+    dump.add_entry("m_writeHost", m_writeHost);
+    dump.add_entry("m_noteURL", m_noteURL);
+    dump.add("m_pauseBackground", m_pauseBackground);
+    dump.write_heading("Base Class");
+    dump.write();
+    ZBDBObject::dump(out, indent + 1);
+}
+
+int ZBDatabase::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
+{
+    serialise_field<int>(in, out, prefix, "UnID", m_uniqueId, 0);
+    serialise_string(in, out, prefix, "AppType", m_appType, false);
+    serialise_string(in, out, prefix, "Comment", m_comment, false);
+    serialise_field<int>(in, out, prefix, "AFV", m_appFileVersion, 0, true);
+    serialise_field<int>(in, out, prefix, "FC", m_featureCount, 0, true);
+    if (in) {
+        // Old files carried the backup count here; it is a system value now.
+        int backups = -1;
+        if (serialise_field<int>(in, out, prefix, "BackupCount", backups, -1) == ZBErrC_ok && backups >= 0)
+            m_backupCount = backups;
+    }
+    ZBSrlObjectArray<ZBExternalDB> external(m_external, version);
+    if (iszberr(serialise_object(in, out, prefix, "External", external)))
+        return zbpass(ZBLOC);
+    const ZBDate blank(ZBDate::E_Blank);
+    serialise_field<ZBDate>(in, out, prefix, "WriteTime", m_writeTime, blank);
+    serialise_string(in, out, prefix, "WriteHost", m_writeHost, false);
+    // The application type stands twice in every file; both lines are read.
+    serialise_string(in, out, prefix, "AppType", m_appType, false);
+    serialise_string(in, out, prefix, "AppRelease", m_appRelease, false);
+    serialise_string(in, out, prefix, "NoteURL", m_noteURL, false);
+    return ZBDBObject::serialise(in, out, prefix, version);
+}
+
+void ZBDatabase::func()
+{
+    while (!stopping()) {
+        wait_signal(10000);
+        if (stopping())
+            break;
+        {
+            QMutexLocker lock(&m_pauseMutex);
+            if (m_pauseBackground)
+                continue;
+        }
+        try {
+            background_recalculate();
+        } catch (const ZBErrDetails&) {
+            // A background failure goes no further than here; the loop goes on.
+        }
+    }
+}
+
+int ZBDatabase::create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out)
+{
+    ZBDBObject* object = new ZBDBObject();
+    int result = add_object(object, parent ? parent : this, tag, std::string(), specId, std::string());
+    if (iszbwarn(result)) {
+        if (out)
+            *out = nullptr;
+        return zbpass(ZBLOC);
+    }
+    if (out)
+        *out = object;
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::change_id(ZBDBObject& object, int id)
+{
+    int old = object.get_id();
+    if (old == id)
+        return ZBErrC_ok;
+    if (get_object_by_id(id))
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "Object ID %d is already in use.", id);
+    int index = m_object.position_of(old);
+    if (index < 0)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find object ID %d.", old);
+    object.set_id(id, object.get_create_time(), false);
+    m_object.rekey(index, id);
+    for (ZBDBObject* other : m_object)
+        other->remap_id(old, id);
+    if (id >= m_uniqueId)
+        m_uniqueId = id + 1;
+    return resolve_containers();
+}
+
+int ZBDatabase::upgrade_appfileversion()
+{
+    if (m_appFileVersion >= current_appfileversion())
+        return ZBErrC_ok;
+    if (!m_completeFile.empty() && QFile::exists(QString::fromStdString(m_completeFile))) {
+        std::string copy = get_cache_name(m_completeFile, true) + ".Ver" + std::to_string(m_appFileVersion);
+        QFile::remove(QString::fromStdString(copy));
+        if (!QFile::copy(QString::fromStdString(m_completeFile), QString::fromStdString(copy)))
+            return zbwarning(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", copy.c_str());
+    }
+    resolve_containers();
+    G_PurgeUnhandled = true;
+    m_appFileVersion = current_appfileversion();
+    mark_changed(ZBLOC, true);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::update_feature(int count)
+{
+    if (count > m_featureCount) {
+        m_featureCount = count;
+        mark_changed(ZBLOC, true);
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::initialise(bool created)
+{
+    if (created) {
+        if (get_id() < 0)
+            set_id(allocate_id(), ZBDateUtils::now(), true);
+        if (m_appType.empty() && has_zbapplication())
+            m_appType = zbapplication().get_application();
+    }
+    return resolve_containers();
+}
+
+bool ZBDatabase::has_user_data() const
+{
+    for (const ZBDBObject* object : m_object)
+        if (!object->is_deleted())
+            return true;
+    return false;
+}
+
+int ZBDatabase::recalculate(E_RecalcLevel level)
+{
+    if (level >= E_RecalcFull)
+        return update_vars(-1, false);
+    return ZBErrC_ok;
+}
+
+// ---------------------------------------------------------------- lifecycle
+
+void ZBDatabase::set_filename(const std::string& name)
+{
+    m_completeFile = name;
+}
+
+std::string ZBDatabase::get_cache_name(const std::string& name, bool create)
+{
+    QString dir = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    if (create)
+        QDir().mkpath(dir);
+    return (dir + "/" + QFileInfo(QString::fromStdString(name)).fileName()).toStdString();
+}
+
+int ZBDatabase::clean_intermediate(bool, bool)
+{
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const std::string& templateFile,
+                     bool keepPartial, bool forceClean, bool, bool noClean)
+{
+    if (m_isLoaded)
+        return zberror(ZBErrC_DatabaseAlreadyLoaded, ZBLOC, "Database file %s already loaded.", name.c_str());
+    set_filename(name);
+    m_readOnly = readOnly;
+    const std::string expected = m_expectedAppType;
+    if (name.empty()) {
+        m_isLoaded = true;
+        return initialise(true);
+    }
+    const QString qname = QString::fromStdString(name);
+    if (!QFile::exists(qname)) {
+        if (!create)
+            return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "The file %s does not exist.", name.c_str());
+        if (templateFile.empty()) {
+            m_readOnly = false;
+            return this->create(name, false);
+        }
+        if (!QFile::copy(QString::fromStdString(templateFile), qname))
+            return zbwarnuser(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", name.c_str());
+    }
+    if (!noClean && !readOnly) {
+        int result = clean_intermediate(keepPartial, forceClean);
+        if (iszbwarn(result))
+            return zbpass(ZBLOC);
+    }
+    std::ifstream in(name, std::ios::binary);
+    if (!in)
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", name.c_str());
+    int result = read(in, false, true);
+    if (iszbwarn(result)) {
+        zbuserinfo_set("%s contains invalid data.", name.c_str());
+        // Nothing of the damaged file stays in memory.
+        m_object.clear();
+        m_completeFile.clear();
+        return zbpass(ZBLOC);
+    }
+    m_isLoaded = true;
+    m_lastFullWrite = m_lastPartialWrite = get_counter(true);
+    if (!expected.empty() && m_appType != expected) {
+        const std::string extension = has_zbapplication() ? zbapplication().get_extension() : std::string();
+        if (!extension.empty() && QFileInfo(qname).suffix() == QString::fromStdString(extension).remove('.')) {
+            std::string found = m_appType;
+            unload();
+            return zbwarnuser(ZBErrC_WrongAppType, ZBLOC, "%s is not a %s data file (it is a %s data file).",
+                              name.c_str(), expected.c_str(), found.c_str());
+        }
+        m_appType = expected;
+    }
+    if (!readOnly) {
+        long before = get_last_db_update();
+        if (iszbwarn(upgrade_appfileversion()) || iszbwarn(initialise(false)))
+            return zbpass(ZBLOC);
+        if (get_last_db_update() > before && iszbwarn(save(true, true, false)))
+            return zbpass(ZBLOC);
+    } else {
+        resolve_containers();
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::load(const std::string& name, bool create, const std::string& templateFile, bool keepPartial,
+                     bool forceClean, bool usePartial)
+{
+    return load(name, false, create, templateFile, keepPartial, forceClean, usePartial, false);
+}
+
+int ZBDatabase::read(const std::string& name, bool keepPartial, bool forceClean)
+{
+    return load(name, true, false, std::string(), keepPartial, forceClean, false, true);
+}
+
+int ZBDatabase::create(const std::string& name, bool)
+{
+    if (m_readOnly)
+        return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
+    if (m_isLoaded)
+        return zberror(ZBErrC_DatabaseAlreadyLoaded, ZBLOC, "Database file %s already loaded.", name.c_str());
+    if (QFile::exists(QString::fromStdString(name)))
+        return zbwarnuser(ZBErrC_FileExists, ZBLOC, "The file %s already exists.", name.c_str());
+    set_filename(name);
+    clean_intermediate(false, true);
+    m_isLoaded = true;
+    if (!m_expectedAppType.empty())
+        m_appType = m_expectedAppType;
+    if (iszbwarn(initialise(true)))
+        return zbpass(ZBLOC);
+    int result = save(true, true, false);
+    if (iszbwarn(result)) {
+        m_isLoaded = false;
+        return zbpass(ZBLOC);
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::save(bool, bool, bool)
+{
+    if (!m_isLoaded)
+        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", m_completeFile.c_str());
+    if (m_readOnly)
+        return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
+    if (m_completeFile.empty())
+        return ZBErrC_ok;
+    m_writeTime = ZBDateUtils::now();
+    m_writeHost = host_name();
+    m_appRelease = running_release().empty() ? m_appRelease : running_release();
+    std::ostringstream text;
+    int result = write(text, 0, true, std::string(), -1);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    const std::string data = text.str();
+    // The old file is replaced only by a complete new one.
+    QSaveFile file(QString::fromStdString(m_completeFile));
+    if (!file.open(QIODevice::WriteOnly))
+        return zbwarnuser(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", m_completeFile.c_str());
+    if (file.write(data.data(), qint64(data.size())) != qint64(data.size()) || !file.commit())
+        return zbwarnuser(ZBErrC_FileWrite, ZBLOC, "Could not write the file %s: %s", m_completeFile.c_str(),
+                          file.errorString().toStdString().c_str());
+    m_lastFullWrite = m_lastPartialWrite = get_counter(false);
+    m_latestWrite.set_latest(m_writeTime);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::save_as(const std::string& name, bool)
+{
+    std::string old = m_completeFile;
+    set_filename(name);
+    int result = save(true, true, false);
+    if (iszbwarn(result)) {
+        set_filename(old);
+        return zbpass(ZBLOC);
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::unload()
+{
+    stop_recalc_thread();
+    if (!m_readOnly)
+        clean_intermediate(false, true);
+    clear_containers();
+    for (ZBDBObject* object : m_object)
+        object->clear_containers();
+    m_object.clear();
+    m_isLoaded = false;
+    m_isResolved = false;
+    m_readOnly = false;
+    m_completeFile.clear();
+    m_partialFile.clear();
+    m_baseFile.clear();
+    m_indexFile.clear();
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::first_object(const std::string& fileName, std::string& className)
+{
+    className.clear();
+    std::ifstream in(fileName, std::ios::binary);
+    if (!in)
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", fileName.c_str());
+    std::string line;
+    if (!zb_read_line(in, line) || trim_right(line) != C_DlmtDBIdentifier)
+        return zberror(ZBErrC_NotADatabase, ZBLOC, "The file you are opening is not a database file.");
+    while (zb_read_line(in, line))
+        if (!line.empty() && line[0] == '{') {
+            className = line.substr(1);
+            return ZBErrC_ok;
+        }
+    return zberror(ZBErrC_NotADatabase, ZBLOC, "Could not locate database information in DB file.");
+}
+
+int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
+{
+    std::string line;
+    if (!zb_read_line(in, line) || trim_right(line) != C_DlmtDBIdentifier) {
+        if (partial)
+            return ZBErrC_okDelete;
+        return zberror(ZBErrC_NotADatabase, ZBLOC, "The file you are opening is not a database file.");
+    }
+    ZBPtrArray<ZBSerialisationEntry> entries;
+    for (;;) {
+        ZBSerialisationEntry* entry = new ZBSerialisationEntry();
+        int result = entry->read_entry(in);
+        if (result == ZBErrC_okEndOfRecord) {
+            delete entry;
+            // A stray class end at the top level is passed over; only the end of the stream stops.
+            if (in)
+                continue;
+            break;
+        }
+        if (iszbwarn(result)) {
+            delete entry;
+            return zbpass(ZBLOC);
+        }
+        entries.push_back(entry);
+    }
+    bool skip = partial && skipSaved && m_dbIndex.get_last_save() > 0;
+    bool seenDatabase = false;
+    std::string databaseText;
+    const std::string objectTag = C_ObjectStart;
+    for (const ZBSerialisationEntry* entry : entries) {
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == C_DlmtVersion) {
+            m_databaseFileVersion = int(std::strtol(entry->m_value.c_str(), nullptr, 10));
+            if (m_databaseFileVersion != C_LatestFileVersion)
+                return zberror(ZBErrC_InvalidDatabaseVersion, ZBLOC,
+                               "Does not handle database version %d (max version handled is %d)",
+                               m_databaseFileVersion, C_LatestFileVersion);
+            continue;
+        }
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == C_DlmtTransaction) {
+            if (partial) {
+                int id = int(std::strtol(entry->m_value.c_str(), nullptr, 10));
+                if (m_dbIndex.get_status(id) != 0)
+                    skip = true;
+                else
+                    skip = skipSaved && id < m_dbIndex.get_last_save();
+            }
+            continue;
+        }
+        if (entry->m_entryType != ZBSerialisationEntry::E_Class || entry->m_tag.compare(0, objectTag.size(), objectTag) != 0
+            || skip)
+            continue;
+        ZBObject* created = nullptr;
+        int result = ZBObject::object_from_string(entry->m_value, created, m_appFileVersion);
+        if (iszbwarn(result)) {
+            delete created;
+            return zbpass(ZBLOC);
+        }
+        ZBDBObject* object = dynamic_cast<ZBDBObject*>(created);
+        if (!object) {
+            delete created;
+            return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not cast to a ZBDBObject.");
+        }
+        if (ZBDatabase* database = dynamic_cast<ZBDatabase*>(object)) {
+            // The database's own record: read into this object once all are in,
+            // but its file version governs how the others are read.
+            m_appFileVersion = database->m_appFileVersion;
+            delete object;
+            if (m_appFileVersion > current_appfileversion())
+                return zberror(ZBErrC_NewerAppVersion, ZBLOC, "This file was written by a newer version of %s - Cannot load.",
+                               application_name().c_str());
+            databaseText = entry->m_value;
+            seenDatabase = true;
+            continue;
+        }
+        const int id = object->get_id();
+        if (id >= m_uniqueId)
+            m_uniqueId = id + 1;
+        if (ZBDBObject* existing = m_object.find(id)) {
+            delete object;
+            if (iszbwarn(existing->object_from_string(entry->m_value, m_appFileVersion)))
+                return zbpass(ZBLOC);
+            continue;
+        }
+        m_object.add(id, object);
+    }
+    if (!seenDatabase) {
+        if (partial)
+            return resolve_containers();
+        return zberror(ZBErrC_NotADatabase, ZBLOC, "Could not locate database information in DB file.");
+    }
+    const int highest = m_uniqueId;
+    if (iszbwarn(object_from_string(databaseText, m_appFileVersion)))
+        return zbpass(ZBLOC);
+    if (m_appFileVersion > current_appfileversion())
+        return zberror(ZBErrC_NewerAppVersion, ZBLOC, "This file was written by a newer version of %s - Cannot load.",
+                       application_name().c_str());
+    if (highest > m_uniqueId)
+        m_uniqueId = highest;
+    if (get_id() >= m_uniqueId)
+        m_uniqueId = get_id() + 1;
+    m_latestWrite.set_latest(m_writeTime);
+    return resolve_containers();
+}
+
+int ZBDatabase::write(std::ostream& out, long since, bool withHead, const std::string& operation, int version)
+{
+    if (m_readOnly)
+        return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
+    const bool head = since == 0 || withHead;
+    if (head && version != -1 && version != m_databaseFileVersion)
+        return zberror(ZBErrC_InvalidDatabaseVersion, ZBLOC,
+                       "You must use a since value of 0 if you are going to change the database file version.");
+    if (head) {
+        out << C_DlmtDBIdentifier << '\n';
+        write_tagged_field(C_DlmtVersion, out, "%d", m_databaseFileVersion);
+    }
+    if (since > 0 && !operation.empty()) {
+        if (!running_release().empty())
+            m_appRelease = running_release();
+        write_tagged_field(C_DlmtTransaction, out, "%s", m_dbIndex.add_transaction(operation, m_appFileVersion).c_str());
+    }
+    if (since == 0 || has_changed_since(since))
+        if (iszbwarn(write_tagged_class(C_ObjectStart, out, m_appFileVersion)))
+            return zbpass(ZBLOC);
+    if (iszbwarn(write_objects(out, since, m_appFileVersion)))
+        return zbpass(ZBLOC);
+    if (!out)
+        return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::write_objects(std::ostream& out, long since, int version)
+{
+    // Deleted objects stay for a week as tombstones, so that a merge sees them.
+    const ZBDate limit = ZBDateUtils::now() - ZBDuration(7, 0, 0);
+    for (const ZBDBObject* object : m_object) {
+        if (since == 0) {
+            if (object->is_deleted() && object->get_modify_time().is_ok() && object->get_modify_time() < limit)
+                continue;
+        } else if (!object->has_changed_since(since)) {
+            continue;
+        }
+        if (iszbwarn(object->write_tagged_class(C_ObjectStart, out, version)))
+            return zbpass(ZBLOC);
+    }
+    return ZBErrC_ok;
+}
+
+// ---------------------------------------------------------------- objects
+
+int ZBDatabase::allocate_id()
+{
+    int id = m_uniqueId++;
+    mark_changed(ZBLOC, false);
+    return id;
+}
+
+ZBDBObject* ZBDatabase::get_object_by_id(int id) const
+{
+    if (id == get_id() && id >= 0)
+        return const_cast<ZBDatabase*>(this);
+    return m_object.find(id);
+}
+
+ZBDBObject* ZBDatabase::get_object_parent(int id) const
+{
+    ZBDBObject* object = get_object_by_id(id);
+    return object ? get_object_by_id(object->get_parent_id()) : nullptr;
+}
+
+ZBDBContainerBase* ZBDatabase::get_object_container(int id) const
+{
+    ZBDBObject* object = get_object_by_id(id);
+    ZBDBObject* parent = object ? get_object_by_id(object->get_parent_id()) : nullptr;
+    return parent ? parent->get_container(object->get_obj_container_tag()) : nullptr;
+}
+
+ZBDBObject* ZBDatabase::get_object_by_createid(int createId, const ZBDate& created) const
+{
+    for (ZBDBObject* object : m_object)
+        if ((object->get_create_id() == createId || (object->get_create_id() < 0 && object->get_id() == createId))
+            && object->get_create_time() == created)
+            return object;
+    return nullptr;
+}
+
+bool ZBDatabase::is_ancestor(int child, int ancestor) const
+{
+    ZBDBObject* object = get_object_by_id(child);
+    // The walk is bounded by the number of objects, so a damaged cycle ends.
+    for (int steps = 0; object && steps <= m_object.size() + 1; ++steps) {
+        int parent = object->get_parent_id();
+        if (parent < 0)
+            return false;
+        if (parent == ancestor)
+            return true;
+        object = get_object_by_id(parent);
+    }
+    return false;
+}
+
+void ZBDatabase::mark_db_structure_change(const ZBDBObject&)
+{
+    m_lastStructureChange = get_counter(true);
+}
+
+long ZBDatabase::get_last_db_update() const
+{
+    return get_counter(false);
+}
+
+bool ZBDatabase::db_has_changed_since(long since, bool structureOnly) const
+{
+    if (structureOnly)
+        return m_lastStructureChange > since;
+    if (has_changed_since(since))
+        return true;
+    for (const ZBDBObject* object : m_object)
+        if (object->has_changed_since(since))
+            return true;
+    return false;
+}
+
+bool ZBDatabase::needs_save() const
+{
+    return m_isLoaded && !m_readOnly && db_has_changed_since(m_lastFullWrite, false);
+}
+
+int ZBDatabase::add_object(ZBDBObject* object, ZBDBObject* parent, const std::string& containerTag,
+                           const std::string& memberTag, int specId, const std::string& operation, int id)
+{
+    if (!object)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
+    if (parent && containerTag.empty())
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "The container tag must be set if a parent is assigned.");
+    if (parent && parent->get_id() < 0)
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "The parent object of %d does not have a valid ID set (%d).",
+                       object->get_id(), parent->get_id());
+    if (id < 0)
+        id = object->get_id();
+    if (id < 0 || m_object.find(id) || id == get_id())
+        id = allocate_id();
+    else if (id >= m_uniqueId)
+        m_uniqueId = id + 1;
+    object->set_id(id, ZBDateUtils::now(), true);
+    m_object.add(id, object);
+    if (specId >= 0)
+        object->set_specid(specId);
+    ZBDBContainerBase* container = parent ? parent->get_or_make_container(containerTag) : nullptr;
+    if (parent && !container)
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "The parent container tag %s could not be located.", containerTag.c_str());
+    object->set_parent(parent, containerTag, memberTag, this);
+    if (container) {
+        container->add_object(object);
+        if (ZBDBContainerBase* members = parent->get_or_make_container(C_DatabaseAllTag + memberTag))
+            members->add_object(object);
+        parent->mark_changed(ZBLOC, true);
+    }
+    object->mark_changed(ZBLOC, true);
+    // Children carried by the object come into the database with it.
+    while (ZBDBObject* child = object->extract_managed_child()) {
+        std::string childTag = child->get_obj_container_tag().empty() ? C_DefaultChildName : child->get_obj_container_tag();
+        int result = add_object(child, object, childTag, child->get_member_tag(), child->get_specid(), std::string(), child->get_id());
+        if (iszbwarn(result))
+            return zbpass(ZBLOC);
+    }
+    object->on_add();
+    if (!operation.empty())
+        return complete_operation(operation);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::extract_object(int id, ZBDBObject*& out, bool keep)
+{
+    out = nullptr;
+    ZBDBObject* object = m_object.find(id);
+    if (!object)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not delete - Object ID %d not found.", id);
+    ZBDBObject* copy = dynamic_cast<ZBDBObject*>(object->clone_class());
+    if (!copy)
+        return zbpass(ZBLOC);
+    copy->set_parent_ptr(nullptr, nullptr);
+    // Children go with their parent, as managed copies of the extracted one.
+    std::vector<int> children;
+    for (ZBDBObject* other : m_object)
+        if (other->get_parent_id() == id && !other->is_deleted())
+            children.push_back(other->get_id());
+    for (int childId : children) {
+        ZBDBObject* childCopy = nullptr;
+        if (iszbwarn(extract_object(childId, childCopy, keep))) {
+            delete copy;
+            return zbpass(ZBLOC);
+        }
+        copy->add_managed_child(childCopy);
+    }
+    if (ZBDBObject* parent = get_object_by_id(object->get_parent_id()))
+        parent->mark_changed(ZBLOC, true);
+    mark_changed(ZBLOC, true);
+    object->set_state(ZBDBObject::E_Deleted);
+    object->mark_changed(ZBLOC, true);
+    mark_db_structure_change(*object);
+    resolve_containers();
+    update_vars(-1, true);
+    out = copy;
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::delete_object(int id, const std::string& operation)
+{
+    ZBDBObject* copy = nullptr;
+    int result = extract_object(id, copy, false);
+    delete copy;
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    resolve_containers();
+    return complete_operation(operation);
+}
+
+int ZBDatabase::clone_object(int id, ZBDBObject*& out) const
+{
+    out = nullptr;
+    ZBDBObject* object = get_object_by_id(id);
+    if (!object)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find object ID %d.", id);
+    out = dynamic_cast<ZBDBObject*>(object->clone_class());
+    return out ? ZBErrC_ok : zbpass(ZBLOC);
+}
+
+int ZBDatabase::reparent(ZBDBObject* object, ZBDBObject* parent, const std::string& tag)
+{
+    if (!object || !parent)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
+    if (object == parent || is_ancestor(parent->get_id(), object->get_id()))
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "An object cannot be moved into itself.");
+    object->set_parent(parent, tag, object->get_member_tag(), this);
+    return resolve_containers();
+}
+
+int ZBDatabase::resolve_containers()
+{
+    clear_containers();
+    for (ZBDBObject* object : m_object)
+        object->clear_containers();
+    for (ZBDBObject* object : m_object) {
+        const int parentId = object->get_parent_id();
+        if (parentId < 0 || object->is_deleted()) {
+            object->set_parent_ptr(nullptr, this);
+            continue;
+        }
+        ZBDBObject* parent = get_object_by_id(parentId);
+        if (!parent || parent->is_deleted()) {
+            // An orphan is dropped from the tree, as if deleted.
+            object->set_systemchange();
+            object->set_state(ZBDBObject::E_Deleted);
+            object->set_parent_ptr(nullptr, this);
+            continue;
+        }
+        if (ZBDBContainerBase* container = parent->get_or_make_container(object->get_obj_container_tag()))
+            container->add_object(object);
+        if (ZBDBContainerBase* members = parent->get_or_make_container(C_DatabaseAllTag + object->get_member_tag()))
+            members->add_object(object);
+        object->set_parent_ptr(parent, this);
+    }
+    containers_resolved();
+    m_isResolved = true;
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::update_vars(int, bool)
+{
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::complete_operation(const std::string&)
+{
+    return ZBErrC_ok;
+}
+
+// ---------------------------------------------------------------- background thread
+
+int ZBDatabase::start_recalc_thread(int priority)
+{
+    return start(priority);
+}
+
+void ZBDatabase::stop_recalc_thread()
+{
+    stop();
+}
+
+void ZBDatabase::signal_recalc_complete()
+{
+    QMutexLocker lock(&m_recalcMutex);
+    m_recalcComplete = true;
+}
+
+bool ZBDatabase::recalc_complete()
+{
+    QMutexLocker lock(&m_recalcMutex);
+    bool complete = m_recalcComplete;
+    m_recalcComplete = false;
+    return complete;
+}
+
+void ZBDatabase::pause_background(bool pause)
+{
+    {
+        QMutexLocker lock(&m_pauseMutex);
+        m_pauseBackground = pause;
+    }
+    if (!pause)
+        signal();
+}
+
+} // namespace Tervalon

@@ -1,0 +1,198 @@
+#pragma once
+
+#include "LibDatabase/db/zbdbobject.h"
+#include "LibDatabase/db/zbdbindex.h"
+#include "LibDatabase/db/zbexternaldb.h"
+#include "LibComms/thread/zbthread.h"
+#include "LibCore/ptrarray/zbptrarrayindex.h"
+
+#include <QMutex>
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+// The whole in-memory database: every object by id, and the code that reads
+// and writes them to one text file. There is no paging: a database lives in
+// memory from load to unload, and a full save rewrites the file. The database
+// is itself the root object of its tree. One background thread per database
+// runs long calculations (background_recalculate).
+class ZBDatabase : public virtual ZBDBObject, public ZBThread {
+public:
+    enum E_RecalcLevel { E_RecalcNone = 0, E_RecalcQuick = 1, E_RecalcFull = 2 };
+
+    static const char* const C_DlmtDBIdentifier;
+    static const char* const C_DlmtVersion;
+    static const char* const C_DlmtTransaction;
+    static const char* const C_ObjectStart;
+    static const char* const C_IdMgr;
+    static const char* const C_DatabaseService;
+    static const char* const C_DatabasePartDirParam;
+    static const char* const C_DatabasePartDirLabel;
+    static const std::string C_DatabaseAllTag;
+    static const char* const C_SpecTag;
+    static const char* const C_DefaultSpecName;
+    static const char* const C_TopLevelSpecName;
+    static const char* const C_DefaultChildName;
+    static const char* const C_QueryTag;
+    static const char* const C_NoteTag;
+    static const char* const C_SystemReference;
+    static const int C_LatestFileVersion = 0;
+
+    static int ZBErrC_NotADatabase;
+    static int ZBErrC_InvalidDatabaseVersion;
+    static int ZBErrC_NewerAppVersion;
+    static int ZBErrC_ObjectIdNotFound;
+    static int ZBErrC_CorruptDatabase;
+    static int ZBErrC_CorruptPartial;
+    static int ZBErrC_Intermediate;
+    static int ZBErrC_DatabaseNotLoaded;
+    static int ZBErrC_DatabaseReadOnly;
+    static int ZBErrC_DatabaseAlreadyLoaded;
+    static int ZBErrC_WrongAppType;
+
+    ZBDatabase();
+    ~ZBDatabase() override;
+    ZBDatabase(const ZBDatabase&) = delete;
+    ZBDatabase& operator=(const ZBDatabase&) = delete;
+
+    void func() override;
+    void dump(std::ostream& out, int indent) const override;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
+    void register_zbobject() override;
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+
+    virtual int create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out);
+    virtual int change_id(ZBDBObject& object, int id);
+    virtual int current_appfileversion() const { return 0; }
+    virtual int upgrade_appfileversion();
+    virtual int update_feature(int count);
+    virtual int initialise(bool created);
+    virtual bool has_user_data() const;
+    virtual bool use_save_validation() const { return false; }
+    virtual int recalculate(E_RecalcLevel level);
+    virtual void containers_resolved() {}
+    virtual void background_recalculate() {}
+
+    // Lifecycle.
+    int load(const std::string& name, bool readOnly, bool create, const std::string& templateFile, bool keepPartial,
+             bool forceClean, bool usePartial, bool noClean);
+    int load(const std::string& name, bool create, const std::string& templateFile = std::string(),
+             bool keepPartial = false, bool forceClean = false, bool usePartial = true);
+    // A read-only load: nothing on disk is touched.
+    int read(const std::string& name, bool keepPartial = false, bool forceClean = false);
+    int create(const std::string& name, bool cleanOld);
+    // Writes the whole database to its file, through a temporary file that
+    // replaces the old one only when it is complete.
+    int save(bool push, bool includeManual, bool verify);
+    int save_as(const std::string& name, bool keepOld);
+    int unload();
+    int read(std::istream& in, bool partial, bool skipSaved);
+    int write(std::ostream& out, long since, bool withHead, const std::string& operation, int version);
+    bool is_loaded() const { return m_isLoaded; }
+    bool is_read_only() const { return m_readOnly; }
+    const std::string& get_filename() const { return m_completeFile; }
+    void set_filename(const std::string& name);
+    const std::string& get_app_type() const { return m_appType; }
+    void set_app_type(const std::string& type) { m_appType = type; }
+    void set_expected_app_type(const std::string& type) { m_expectedAppType = type; }
+    int get_loadid() const { return m_loadID; }
+    void set_loadid(int id) { m_loadID = id; }
+    int get_app_file_version() const { return m_appFileVersion; }
+    int get_database_file_version() const { return m_databaseFileVersion; }
+    const std::string& get_app_release() const { return m_appRelease; }
+    const ZBDate& get_write_time() const { return m_writeTime; }
+    const std::string& get_write_host() const { return m_writeHost; }
+    const std::string& get_comment() const { return m_comment; }
+    void set_comment(const std::string& comment) { m_comment = comment; }
+
+    // Objects.
+    int add_object(ZBDBObject* object, ZBDBObject* parent, const std::string& containerTag,
+                   const std::string& memberTag, int specId, const std::string& operation, int id = -1);
+    int delete_object(int id, const std::string& operation);
+    int extract_object(int id, ZBDBObject*& out, bool keep);
+    int clone_object(int id, ZBDBObject*& out) const;
+    int reparent(ZBDBObject* object, ZBDBObject* parent, const std::string& tag);
+    ZBDBObject* get_object_by_id(int id) const;
+    ZBDBObject* get_object_by_index(int index) const { return m_object.at(index); }
+    int get_nobjects() const { return m_object.size(); }
+    ZBDBObject* get_object_parent(int id) const;
+    ZBDBContainerBase* get_object_container(int id) const;
+    ZBDBObject* get_object_by_createid(int createId, const ZBDate& created) const;
+    bool is_ancestor(int child, int ancestor) const;
+    static int first_object(const std::string& fileName, std::string& className);
+    int allocate_id();
+    int next_id() const { return m_uniqueId; }
+    void mark_db_structure_change(const ZBDBObject& object);
+    long get_last_structure_change() const { return m_lastStructureChange; }
+    long get_last_db_update() const;
+    bool db_has_changed_since(long since, bool structureOnly) const;
+    bool needs_save() const;
+    int resolve_containers();
+    int update_vars(int id, bool mark);
+    // Closes one user action; the undo machinery records it.
+    virtual int complete_operation(const std::string& operation);
+
+    // The background thread.
+    int start_recalc_thread(int priority);
+    void stop_recalc_thread();
+    void signal_recalc_thread() { signal(); }
+    void signal_recalc_complete();
+    bool recalc_complete();
+    void pause_background(bool pause);
+
+    // Where intermediate files of a data file go; a stand-in until the saving machinery.
+    static std::string get_cache_name(const std::string& name, bool create);
+
+protected:
+    // Writes "O:" objects; since 0 is a full write, where old tombstones are left out.
+    int write_objects(std::ostream& out, long since, int version);
+    int clean_intermediate(bool keepPartial, bool forceClean);
+
+private:
+    ZBPtrArrayIndex<ZBDBObject, int> m_object;
+    int m_uniqueId;
+    long m_lastFullWrite;
+    long m_lastPartialWrite;
+    bool m_firstPartialWrite;
+    long m_lastStructureChange;
+    std::string m_completeFile;
+    std::string m_partialFile;
+    std::string m_baseFile;
+    std::string m_indexFile;
+    bool m_readOnly;
+    bool m_isLoaded;
+    bool m_isResolved;
+    int m_backupCount;
+    ZBDate m_lastBackup;
+    std::string m_appType;
+    std::string m_expectedAppType;
+    int m_loadID;
+    int m_databaseFileVersion;
+    int m_appFileVersion;
+    int m_featureCount;
+    std::string m_appRelease;
+    std::string m_comment;
+    ZBDBIndex m_dbIndex;
+    ZBPtrArray<ZBExternalDB> m_external;
+    ZBDate m_writeTime;
+    std::string m_writeHost;
+    ZBDate m_latestWrite;
+    std::string m_noteURL;
+    void* m_actionMgr;
+    bool m_pauseBackground;
+    bool m_recalcComplete;
+    QMutex m_recalcMutex;
+    QMutex m_pauseMutex;
+};
+
+// Makes the concrete database class an application needs.
+template <class T>
+class ZBDBFactory {
+public:
+    static T* create_instance() { return new T(); }
+};
+
+} // namespace Tervalon

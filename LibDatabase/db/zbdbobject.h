@@ -1,0 +1,132 @@
+#pragma once
+
+#include "LibObject/object/zbobject.h"
+#include "LibDatabase/db/zbupdatecounter.h"
+#include "LibDatabase/db/zbdbobjectlink.h"
+#include "LibDate/date/zbdate.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+class ZBDatabase;
+class ZBDBContainerBase;
+class ZBDBScript;
+
+// An identified node of a database's tree: its id, state, parent, the tags of
+// the container that holds it and of its role there, links, spec and variables,
+// create and modify times, managed children (outside a database) and scripts.
+// The database owns every object; children are found through containers that
+// resolve_containers rebuilds from the parent ids.
+class ZBDBObject : public ZBObject, public ZBUpdateCounter {
+public:
+    enum E_ObjectState : char { E_Normal = 'N', E_Deleted = 'D' };
+
+    ZBDBObject();
+    ZBDBObject(const ZBDBObject& other);
+    ~ZBDBObject() override;
+    ZBDBObject& operator=(const ZBDBObject& other);
+    bool operator==(const ZBDBObject& other) const;
+
+    void dump(std::ostream& out, int indent) const override;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
+    void register_zbobject() override;
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+    void set_defaults(bool all) override;
+
+    virtual int remap_id(int from, int to);
+    virtual std::string get_container_tag() const;
+    virtual bool allow_children() const { return true; }
+    virtual ZBDBObject* get_child_by_mtag(const std::string& tag) const;
+    virtual int get_num_member_tag(const std::string& tag) const;
+    virtual void on_add() {}
+    virtual std::string get_summary() const;
+    virtual void mark_structure_change();
+
+    int get_id() const { return m_id; }
+    int get_parent_id() const { return m_parentId; }
+    ZBDBObject* get_parent() const { return m_parent; }
+    ZBDatabase* get_database() const { return m_database; }
+    const std::string& get_obj_container_tag() const { return m_containerTag; }
+    const std::string& get_member_tag() const { return m_memberTag; }
+    int get_specid() const { return m_specId; }
+    void set_specid(int id) { m_specId = id; }
+    E_ObjectState get_obj_state() const { return E_ObjectState(m_state); }
+    bool is_deleted() const { return m_state == E_Deleted; }
+    const ZBDate& get_create_time() const { return m_createTime; }
+    const ZBDate& get_modify_time() const { return m_modifyTime; }
+    int get_create_id() const { return m_createID; }
+    int get_alert_state() const { return m_alertState; }
+    void set_alert_state(int state) { m_alertState = state; }
+    const std::string& get_change_loc() const { return m_modifyLoc; }
+
+    // Records a change: a new modify time (one second after the clock) and update count.
+    void mark_changed(const std::string& location, bool updateTime);
+    // The next mark_changed is the program's own doing and is not counted.
+    void set_systemchange() { m_systemChange = true; }
+    void set_id(int id, const ZBDate& created, bool isNew);
+    void set_state(E_ObjectState state);
+    void set_parent(ZBDBObject* parent, const std::string& containerTag, const std::string& memberTag, ZBDatabase* db);
+    void set_parent_ptr(ZBDBObject* parent, ZBDatabase* db);
+    void set_create_time(const ZBDate& date) { m_createTime = date; }
+    void set_modify_time(const ZBDate& date) { m_modifyTime = date; }
+
+    // Links.
+    void add_link(int id, const std::string& type);
+    int remove_link(int id, const std::string& type, bool all);
+    std::vector<int> get_links(const std::string& type) const;
+    const std::vector<ZBDBObjectLink>& get_all_links() const { return m_link; }
+
+    // Variables as stored text; the spec machinery interprets them.
+    ZBPtrArray<std::string>& get_variable_text() { return m_variable; }
+    const ZBPtrArray<std::string>& get_variable_text() const { return m_variable; }
+
+    // Managed children: the copies an object carries outside a database.
+    void add_managed_child(ZBDBObject* child);
+    ZBDBObject* extract_managed_child();
+    int get_nmanaged_children() const { return m_child.size(); }
+    int get_children_by_mtag(const std::string& tag, ZBPtrArray<ZBDBObject>& out) const;
+
+    // Scripts.
+    int get_nscripts() const { return m_script.size(); }
+    ZBDBScript* get_script_no(int index) const { return m_script.at(index); }
+
+    // Containers of children by tag; those a class registers, and others made on demand.
+    void add_container(ZBDBContainerBase& container);
+    ZBDBContainerBase* get_container(const std::string& tag) const;
+    ZBDBContainerBase* get_or_make_container(const std::string& tag);
+    void remap_container(const std::string& from, const std::string& to);
+    void clear_containers();
+    int get_ncontainers() const { return int(m_containers.size()); }
+    ZBDBContainerBase* get_container_no(int index) const { return m_containers[size_t(index)]; }
+
+private:
+    // Stored.
+    int m_id;
+    char m_state;
+    int m_parentId;
+    std::string m_containerTag;
+    std::string m_memberTag;
+    std::vector<ZBDBObjectLink> m_link;
+    int m_specId;
+    ZBPtrArray<std::string> m_variable;
+    ZBDate m_createTime;
+    int m_createID;
+    ZBDate m_modifyTime;
+    ZBPtrArray<ZBDBObject> m_child;
+    ZBPtrArray<ZBDBScript> m_script;
+
+    // Not stored.
+    std::vector<ZBDBContainerBase*> m_containers;
+    std::vector<std::unique_ptr<ZBDBContainerBase>> m_ownContainers;
+    ZBDBObject* m_parent;
+    ZBDatabase* m_database;
+    bool m_objectSerialised;
+    std::string m_modifyLoc;
+    int m_alertState;
+    bool m_systemChange;
+};
+
+} // namespace Tervalon

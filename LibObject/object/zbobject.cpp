@@ -1,0 +1,570 @@
+#include "LibObject/object/zbobject.h"
+#include "LibObject/object/zbdump.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+#include <cstdarg>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+namespace Tervalon {
+
+bool G_PurgeUnhandled = false;
+
+int ZBObject::ZBErrC_ObjectUnknown =
+    ZBError::allocate_code("ZBErrC_ObjectUnknown", "Could not find a reference to the supplied object name.");
+int ZBObject::ZBErrC_ObjectNotRegistered =
+    ZBError::allocate_code("ZBErrC_ObjectNotRegistered", "That object has not been registered in the object database.");
+int ZBObject::ZBErrC_ObjectFuncNotRegistered =
+    ZBError::allocate_code("ZBErrC_ObjectFuncNotRegistered", "The object creator function has not been registered.");
+
+std::string make_ctag(const std::string& prefix, const std::string& tag)
+{
+    return prefix.empty() ? tag : prefix + "+" + tag;
+}
+
+std::string strip_prefix(const std::string& tag)
+{
+    size_t plus = tag.rfind('+');
+    return plus == std::string::npos ? tag : tag.substr(plus + 1);
+}
+
+ZBObject::ZBObject() : m_connection(nullptr), m_classId(-1)
+{
+    ZBObject::register_zbobject();
+}
+
+ZBObject::ZBObject(const ZBObject& other) : m_readEntry(other.m_readEntry), m_connection(nullptr), m_classId(-1)
+{
+    ZBObject::register_zbobject();
+}
+
+ZBObject::~ZBObject() = default;
+
+ZBObject& ZBObject::operator=(const ZBObject& other)
+{
+    if (this != &other)
+        m_readEntry = other.m_readEntry;
+    return *this;
+}
+
+bool ZBObject::operator==(const ZBObject& other) const
+{
+    if (m_readEntry.size() != other.m_readEntry.size())
+        return false;
+    for (int i = 0; i < m_readEntry.size(); ++i)
+        if (!(*m_readEntry[i] == *other.m_readEntry[i]))
+            return false;
+    return m_connection == other.m_connection;
+}
+
+void ZBObject::dump(std::ostream& out, int indent) const
+{
+    ZBDump dump("ZBObject", out, indent);
+    dump.add("m_classId", m_classId);
+    dump.add("m_readEntry", m_readEntry.size());
+    for (int i = 0; i < m_readEntry.size(); ++i)
+        dump.add_entry("m_readEntry", m_readEntry[i]->m_tag + " " + m_readEntry[i]->m_value, i);
+}
+
+int ZBObject::serialise(std::istream*, std::ostream*, const std::string&, int)
+{
+    return ZBErrC_ok;
+}
+
+void ZBObject::register_zbobject()
+{
+    register_objectname("ZBObject", &ZBObject::create_zbobject);
+}
+
+int ZBObject::create_zbobject(ZBObject*& out, const ZBObject* from)
+{
+    return create_as<ZBObject>(out, from, "ZBObject");
+}
+
+void ZBObject::set_defaults(bool) {}
+
+int ZBObject::register_objectname(const std::string& name, ZBCreateFunction create)
+{
+    zbclassindex().append(name, create, m_classId);
+    return m_classId;
+}
+
+std::string ZBObject::get_class_name() const
+{
+    ZBObjectIndexEntry* entry = zbclassindex().get(m_classId);
+    return entry ? entry->m_name : std::string();
+}
+
+int ZBObject::get_id_from_name(const std::string& name)
+{
+    ZBObjectIndexEntry* entry = zbclassindex().find(name);
+    return entry ? entry->m_id : -1;
+}
+
+int ZBObject::get_class_index_entry(const std::string& name, ZBObjectIndexEntry*& entry)
+{
+    entry = zbclassindex().find(name);
+    if (!entry)
+        return zberror(ZBErrC_ObjectUnknown, ZBLOC, "Could not identify object %s", name.c_str());
+    return ZBErrC_ok;
+}
+
+void ZBObject::take_serentries(ZBPtrArray<ZBSerialisationEntry>& into)
+{
+    into = std::move(m_readEntry);
+    m_readEntry.clear();
+}
+
+// ---------------------------------------------------------------- field operations
+
+int ZBObject::write_field_line(std::ostream& out, const std::string& tag, const std::string& value)
+{
+    out << zb_stream_out("!" + tag + "!" + value) << '\n';
+    if (!out)
+        return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+    return ZBErrC_ok;
+}
+
+int ZBObject::serialise_value(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                              ZBSrl& srl, bool tryBareTag)
+{
+    const std::string ctag = make_ctag(prefix, tag);
+    if (out) {
+        const int n = srl.get_nentries();
+        std::string text;
+        for (int i = 0; i < n; ++i) {
+            if (srl.is_default())
+                continue;
+            if (iszbwarn(srl.write_text(text, i)))
+                return zbpass(ZBLOC);
+            if (iszbwarn(write_field_line(*out, ctag, zb_stream_out(text))))
+                return zbpass(ZBLOC);
+        }
+        return ZBErrC_ok;
+    }
+    if (!in)
+        return ZBErrC_ok;
+    srl.start_read();
+    const bool multiple = srl.handle_multiple();
+    if (!multiple)
+        srl.set_to_default();
+    bool found = false;
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+            srl.read_text(zb_stream_in(entry->m_value));
+            m_readEntry.remove(i);
+            found = true;
+        } else {
+            ++i;
+        }
+    }
+    if (!found && !multiple && tryBareTag) {
+        for (int i = 0; i < m_readEntry.size();) {
+            ZBSerialisationEntry* entry = m_readEntry[i];
+            if (entry->m_entryType == ZBSerialisationEntry::E_Field && strip_prefix(entry->m_tag) == tag) {
+                srl.read_text(zb_stream_in(entry->m_value));
+                m_readEntry.remove(i);
+                found = true;
+            } else {
+                ++i;
+            }
+        }
+    }
+    if (!found && !multiple)
+        return ZBErrC_okEndOfFile;
+    return ZBErrC_ok;
+}
+
+int ZBObject::serialise_string(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                               std::string& value, bool omitEmpty)
+{
+    const std::string ctag = make_ctag(prefix, tag);
+    if (out) {
+        if (omitEmpty && value.empty())
+            return ZBErrC_ok;
+        return write_field_line(*out, ctag, value);
+    }
+    if (!in)
+        return ZBErrC_ok;
+    if (omitEmpty)
+        value.clear();
+    for (int i = 0; i < m_readEntry.size(); ++i) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+            value = entry->m_value;
+            m_readEntry.remove(i);
+            return ZBErrC_ok;
+        }
+    }
+    return ZBErrC_okEndOfFile;
+}
+
+int ZBObject::serialise_object(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                               ZBSrl& srl)
+{
+    const std::string ctag = make_ctag(prefix, tag);
+    if (out) {
+        const int n = srl.get_nentries();
+        for (int i = 0; i < n; ++i) {
+            if (srl.is_default())
+                continue;
+            *out << '@' << zb_stream_out(ctag) << '\n';
+            if (iszbwarn(srl.write(*out, i)))
+                return zbpass(ZBLOC);
+        }
+        if (!*out)
+            return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+        return ZBErrC_ok;
+    }
+    if (!in)
+        return ZBErrC_ok;
+    srl.start_read();
+    const bool multiple = srl.handle_multiple();
+    if (!multiple)
+        srl.set_to_default();
+    bool found = false;
+    int result = ZBErrC_ok;
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Class && entry->m_tag == ctag) {
+            std::istringstream text(entry->m_value);
+            int r = srl.read(text);
+            if (iszbwarn(r))
+                result = zbpass(ZBLOC);
+            m_readEntry.remove(i);
+            found = true;
+        } else {
+            ++i;
+        }
+    }
+    if (iszbwarn(result))
+        return result;
+    if (!found && !multiple)
+        return ZBErrC_okEndOfFile;
+    return ZBErrC_ok;
+}
+
+int ZBObject::serialise_string_array(std::istream* in, std::ostream* out, const std::string& prefix,
+                                     const std::string& tag, ZBPtrArray<std::string>& value)
+{
+    const std::string ctag = make_ctag(prefix, tag);
+    if (out) {
+        for (const std::string* element : value)
+            if (iszbwarn(write_field_line(*out, ctag, *element)))
+                return zbpass(ZBLOC);
+        return ZBErrC_ok;
+    }
+    if (!in)
+        return ZBErrC_ok;
+    value.clear();
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+            value.push_back(new std::string(entry->m_value));
+            m_readEntry.remove(i);
+        } else {
+            ++i;
+        }
+    }
+    return ZBErrC_ok;
+}
+
+int ZBObject::serialise_string_vector(std::istream* in, std::ostream* out, const std::string& prefix,
+                                      const std::string& tag, std::vector<std::string>& value)
+{
+    const std::string ctag = make_ctag(prefix, tag);
+    if (out) {
+        for (const std::string& element : value)
+            if (iszbwarn(write_field_line(*out, ctag, element)))
+                return zbpass(ZBLOC);
+        return ZBErrC_ok;
+    }
+    if (!in)
+        return ZBErrC_ok;
+    value.clear();
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+            value.push_back(entry->m_value);
+            m_readEntry.remove(i);
+        } else {
+            ++i;
+        }
+    }
+    return ZBErrC_ok;
+}
+
+int ZBObject::serialise_string_maparray(std::istream* in, std::ostream* out, const std::string& prefix,
+                                        const std::string& tag, ZBPtrArrayIndex<std::string, std::string>& value,
+                                        bool omitEmpty)
+{
+    const std::string ctag = make_ctag(prefix, tag);
+    if (out) {
+        for (int i = 0; i < value.size(); ++i) {
+            if (omitEmpty && value[i]->empty())
+                continue;
+            if (iszbwarn(write_field_line(*out, ctag, value.tag(i) + "=" + *value[i])))
+                return zbpass(ZBLOC);
+        }
+        return ZBErrC_ok;
+    }
+    if (!in)
+        return ZBErrC_ok;
+    value.clear();
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+            size_t sep = entry->m_value.find('=');
+            std::string key = entry->m_value.substr(0, sep);
+            std::string text = sep == std::string::npos ? std::string() : entry->m_value.substr(sep + 1);
+            value.remove_value(key);
+            value.add(key, new std::string(text));
+            m_readEntry.remove(i);
+        } else {
+            ++i;
+        }
+    }
+    return ZBErrC_ok;
+}
+
+int ZBObject::serialise_data(std::istream* in, std::ostream* out, ZBPtrArray<std::string>& lines)
+{
+    if (out) {
+        for (const std::string* line : lines)
+            zb_write_raw_line(*out, *line);
+        if (!*out)
+            return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+        return ZBErrC_ok;
+    }
+    if (!in)
+        return ZBErrC_ok;
+    lines.clear();
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Raw) {
+            lines.push_back(new std::string(entry->m_value));
+            m_readEntry.remove(i);
+        } else {
+            ++i;
+        }
+    }
+    return ZBErrC_ok;
+}
+
+int ZBObject::write_tagged_field(const std::string& tag, std::ostream& out, const char* format, ...)
+{
+    char buffer[8192];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(buffer, sizeof buffer, format, args);
+    va_end(args);
+    return write_field_line(out, tag, buffer);
+}
+
+int ZBObject::write_tagged_class(const std::string& tag, std::ostream& out, int version) const
+{
+    out << '@' << zb_stream_out(tag) << '\n';
+    return write_class(out, version);
+}
+
+// ---------------------------------------------------------------- class level
+
+int ZBObject::write_unhandled(std::ostream& out) const
+{
+    if (!G_PurgeUnhandled)
+        for (const ZBSerialisationEntry* entry : m_readEntry)
+            if (iszbwarn(entry->write_entry(out)))
+                return zbpass(ZBLOC);
+    out << "}\n";
+    if (!out)
+        return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+    return ZBErrC_ok;
+}
+
+int ZBObject::write_class(std::ostream& out, int version) const
+{
+    if (m_classId < 0)
+        return zberror(ZBErrC_ObjectNotRegistered, ZBLOC, "Object has invalid id %d", m_classId);
+    ZBObjectIndexEntry* entry = zbclassindex().get(m_classId);
+    if (!entry)
+        return zberror(ZBErrC_ObjectNotRegistered, ZBLOC, "Object %d not in class index", m_classId);
+    out << '{' << entry->m_name << '\n';
+    if (!out)
+        return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+    // Writing goes through the one serialise() of the class; it leaves the object as it was.
+    int result = const_cast<ZBObject*>(this)->serialise(nullptr, &out, "", version);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return write_unhandled(out);
+}
+
+int ZBObject::read_class_entries(std::istream& in)
+{
+    for (;;) {
+        ZBSerialisationEntry* entry = new ZBSerialisationEntry();
+        int result = entry->read_entry(in);
+        if (result == ZBErrC_okEndOfRecord) {
+            delete entry;
+            return ZBErrC_ok;
+        }
+        if (iszbwarn(result)) {
+            delete entry;
+            return zbpass(ZBLOC);
+        }
+        m_readEntry.push_back(entry);
+    }
+}
+
+int ZBObject::read_class(std::istream& in, ZBObject** outClass, ZBObject* inClass, int version)
+{
+    if (outClass && inClass)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "Both inClass and outClass were supplied.");
+    if (!outClass && !inClass)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "Both inClass and outClass were nullptr.");
+    std::string line;
+    for (;;) {
+        if (!zb_read_line(in, line))
+            return ZBErrC_okEndOfFile;
+        if (!line.empty() && line[0] == '{')
+            break;
+    }
+    const std::string name = line.substr(1);
+    ZBObjectIndexEntry* entry = zbclassindex().find(name);
+    if (!entry)
+        return zberror(ZBErrC_ObjectUnknown, ZBLOC, "Could not identify object %s", name.c_str());
+    if (!entry->m_create)
+        return zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "No create function for %s", name.c_str());
+    ZBObject* object = inClass;
+    if (outClass) {
+        object = nullptr;
+        if (iszbwarn(entry->m_create(object, nullptr)) || !object) {
+            delete object;
+            return zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "Create function failed for %s", name.c_str());
+        }
+    }
+    object->clear_unhandled_data();
+    int result = object->read_class_entries(in);
+    if (!iszbwarn(result))
+        result = object->serialise(&in, nullptr, "", version);
+    if (iszbwarn(result)) {
+        if (outClass)
+            delete object;
+        return zbpass(ZBLOC);
+    }
+    if (outClass)
+        *outClass = object;
+    return ZBErrC_ok;
+}
+
+int ZBObject::read_class(std::istream& in, int version)
+{
+    return read_class(in, nullptr, this, version);
+}
+
+int ZBObject::read_class(std::istream& in, ZBObject*& out, int version)
+{
+    out = nullptr;
+    return read_class(in, &out, nullptr, version);
+}
+
+int ZBObject::object_to_string(std::string& text, int version) const
+{
+    std::ostringstream out;
+    int result = write_class(out, version);
+    text = out.str();
+    return result;
+}
+
+int ZBObject::object_from_string(const std::string& text, ZBObject*& out, int version)
+{
+    std::istringstream in(text);
+    return read_class(in, out, version);
+}
+
+int ZBObject::object_from_string(const std::string& text, int version)
+{
+    std::istringstream in(text);
+    return read_class(in, version);
+}
+
+ZBObject* ZBObject::clone_class() const
+{
+    ZBObjectIndexEntry* entry = zbclassindex().get(m_classId);
+    if (!entry) {
+        zberror(ZBErrC_ObjectNotRegistered, ZBLOC, "Object %d not in class index", m_classId);
+        return nullptr;
+    }
+    if (!entry->m_create) {
+        zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "Object %d has no cloner.", m_classId);
+        return nullptr;
+    }
+    ZBObject* copy = nullptr;
+    if (iszbwarn(entry->m_create(copy, this)) || !copy) {
+        delete copy;
+        zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "Create function failed for %d", m_classId);
+        return nullptr;
+    }
+    return copy;
+}
+
+bool ZBObject::derived_compare(const ZBObject& other, int version) const
+{
+    std::string a;
+    std::string b;
+    if (iszbwarn(object_to_string(a, version)) || iszbwarn(other.object_to_string(b, version)))
+        return false;
+    return a == b;
+}
+
+int ZBObject::derived_assign(const ZBObject& other, int version)
+{
+    std::string text;
+    if (iszbwarn(other.object_to_string(text, version)))
+        return zbpass(ZBLOC);
+    return object_from_string(text, version);
+}
+
+int ZBObject::selftest_serialisation(bool verbose, int version, std::ostream* report, ZBObject* expected)
+{
+    const ZBObject& original = expected ? *expected : *this;
+    QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/scratch";
+    QDir().mkpath(dir);
+    const std::string path = (dir + "/zbclassST.txt").toStdString();
+    {
+        std::ofstream out(path, std::ios::trunc);
+        if (!out)
+            return zberror(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", path.c_str());
+        if (iszbwarn(original.write_class(out, version)))
+            return zbpass(ZBLOC);
+    }
+    const std::string name = original.get_class_name();
+    ZBObject* read = nullptr;
+    {
+        std::ifstream in(path);
+        if (iszbwarn(read_class(in, read, version)))
+            return zbpass(ZBLOC);
+    }
+    int result = ZBErrC_ok;
+    if (!read || !(*read == original)) {
+        if (report)
+            *report << "Read object " << name << " failed equality test." << std::endl;
+        result = zberror(ZBErrC_InvalidValue, ZBLOC, "Read object %s failed equality test.", name.c_str());
+    }
+    delete read;
+    ZBObject* clone = original.clone_class();
+    if (!clone || !(*clone == original)) {
+        if (report)
+            *report << "Cloned object " << name << " failed equality test." << std::endl;
+        result = zberror(ZBErrC_InvalidValue, ZBLOC, "Cloned object %s failed equality test.", name.c_str());
+    }
+    delete clone;
+    if (verbose && report && !iszbwarn(result))
+        *report << name << " passed." << std::endl;
+    return result;
+}
+
+} // namespace Tervalon

@@ -1,0 +1,173 @@
+#pragma once
+
+#include "LibCore/error/zberror.h"
+#include "LibCore/ptrarray/zbptrarray.h"
+#include "LibCore/ptrarray/zbptrarrayindex.h"
+#include "LibObject/object/zbobjectindex.h"
+#include "LibObject/object/zbserialisationentry.h"
+#include "LibObject/object/zbsrlvalue.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+class ZBConnectionData;
+
+// When set, data a class does not understand is dropped on the next write
+// instead of being kept. Only changed around bulk file work on the main thread.
+extern bool G_PurgeUnhandled;
+
+// Composes the tag of a field that a class delegates to a part of itself.
+std::string make_ctag(const std::string& prefix, const std::string& tag);
+// What follows the last '+' of a composed tag.
+std::string strip_prefix(const std::string& tag);
+
+// Root of every persistent class: a class identity by name, a text stream into
+// which a class writes its fields by tag and from which it reads them back, the
+// keeping of tagged data this version does not understand, and clone, compare
+// and assign built on that stream. A class's serialise() is called with exactly
+// one of in and out set and issues the same calls both ways, so a field is
+// declared once.
+class ZBObject {
+public:
+    ZBObject();
+    ZBObject(const ZBObject& other);
+    virtual ~ZBObject();
+    ZBObject& operator=(const ZBObject& other);
+    bool operator==(const ZBObject& other) const;
+    bool operator!=(const ZBObject& other) const { return !(*this == other); }
+
+    virtual void dump(std::ostream& out, int indent) const;
+    virtual int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version);
+    virtual void register_zbobject();
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+    virtual void set_defaults(bool all);
+
+    // Field operations.
+    int serialise_value(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                        ZBSrl& srl, bool tryBareTag = false);
+    template <class T>
+    int serialise_field(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                        T& value, const T& defaultValue, bool tryBareTag = false, int precision = 0)
+    {
+        ZBSrlValue<T> srl(value, defaultValue, precision);
+        return serialise_value(in, out, prefix, tag, srl, tryBareTag);
+    }
+    int serialise_string(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                         std::string& value, bool omitEmpty);
+    int serialise_object(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag, ZBSrl& srl);
+    int serialise_string_array(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                               ZBPtrArray<std::string>& value);
+    int serialise_string_vector(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                                std::vector<std::string>& value);
+    int serialise_string_maparray(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
+                                  ZBPtrArrayIndex<std::string, std::string>& value, bool omitEmpty);
+    int serialise_data(std::istream* in, std::ostream* out, ZBPtrArray<std::string>& lines);
+
+    // Writes one field line (escaped once) for header fields; longer results than 8192 bytes are cut.
+    static int write_tagged_field(const std::string& tag, std::ostream& out, const char* format, ...)
+        __attribute__((format(printf, 3, 4)));
+    static int write_field_line(std::ostream& out, const std::string& tag, const std::string& value);
+    // Writes "@tag" and the object's text.
+    int write_tagged_class(const std::string& tag, std::ostream& out, int version) const;
+
+    // Class-level operations.
+    int write_class(std::ostream& out, int version) const;
+    int read_class(std::istream& in, int version);
+    static int read_class(std::istream& in, ZBObject*& out, int version);
+    static int read_class(std::istream& in, ZBObject** outClass, ZBObject* inClass, int version);
+    int read_class_entries(std::istream& in);
+    int object_to_string(std::string& text, int version) const;
+    static int object_from_string(const std::string& text, ZBObject*& out, int version);
+    int object_from_string(const std::string& text, int version);
+    ZBObject* clone_class() const;
+    bool derived_compare(const ZBObject& other, int version) const;
+    int derived_assign(const ZBObject& other, int version);
+    int selftest_serialisation(bool verbose, int version, std::ostream* report, ZBObject* expected);
+
+    std::string get_class_name() const;
+    int get_class_id() const { return m_classId; }
+    static int get_id_from_name(const std::string& name);
+    static int get_class_index_entry(const std::string& name, ZBObjectIndexEntry*& entry);
+    int register_objectname(const std::string& name, ZBCreateFunction create);
+
+    // Direct access to the read entries, for classes with their own header.
+    int get_nserentries() const { return m_readEntry.size(); }
+    ZBSerialisationEntry* get_serentry(int index) const { return m_readEntry.at(index); }
+    int remove_serentry(int index) { return m_readEntry.remove(index); }
+    void clear_unhandled_data() { m_readEntry.clear(); }
+    // Gives the read entries to the caller in one move (for large headers).
+    void take_serentries(ZBPtrArray<ZBSerialisationEntry>& into);
+
+    static void set_purge_unhandled(bool purge) { G_PurgeUnhandled = purge; }
+    static bool get_purge_unhandled() { return G_PurgeUnhandled; }
+
+    ZBConnectionData* get_connection_data() const { return m_connection; }
+    void set_connection_data(ZBConnectionData* data) { m_connection = data; }
+
+    // The codes of this class, allocated at start-up.
+    static int ZBErrC_ObjectUnknown;
+    static int ZBErrC_ObjectNotRegistered;
+    static int ZBErrC_ObjectFuncNotRegistered;
+
+protected:
+    // Writes the unhandled entries and the class end.
+    int write_unhandled(std::ostream& out) const;
+    // Creates a T, or a copy of from: the body of every class's create_zbobject.
+    template <class T>
+    static int create_as(ZBObject*& out, const ZBObject* from, const char* name)
+    {
+        if (!from) {
+            out = new T();
+            return ZBErrC_ok;
+        }
+        const T* typed = dynamic_cast<const T*>(from);
+        if (!typed) {
+            out = nullptr;
+            return zberror(ZBErrC_DynamicCast, ZBLOC, "Dynamic cast to %s failed.", name);
+        }
+        out = new T(*typed);
+        return ZBErrC_ok;
+    }
+
+private:
+    ZBPtrArray<ZBSerialisationEntry> m_readEntry;
+    ZBConnectionData* m_connection;
+    int m_classId;
+};
+
+} // namespace Tervalon
+
+#include "LibObject/object/zbsrlobject.h"
+
+namespace Tervalon {
+
+template <class T>
+int ZBSrlObjectArray<T>::read(std::istream& in)
+{
+    ZBObject* object = nullptr;
+    int result = ZBObject::read_class(in, object, m_version);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    if (!object)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "Object read failed.");
+    T* typed = dynamic_cast<T*>(object);
+    if (!typed) {
+        delete object;
+        return zberror(ZBErrC_DynamicCast, ZBLOC, "Object read failed.");
+    }
+    m_value.push_back(typed);
+    return ZBErrC_ok;
+}
+
+template <class T>
+int ZBSrlObjectArray<T>::write(std::ostream& out, int index) const
+{
+    if (index < 0 || index >= m_value.size())
+        return zberror(ZBErrC_ArrayBounds, ZBLOC, "Array index %d out of bounds %d", index, m_value.size());
+    return m_value[index]->write_class(out, m_version);
+}
+
+} // namespace Tervalon

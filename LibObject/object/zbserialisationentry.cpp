@@ -1,0 +1,155 @@
+#include "LibObject/object/zbserialisationentry.h"
+#include "LibCore/error/zberror.h"
+
+#include <istream>
+#include <ostream>
+
+namespace Tervalon {
+
+std::string zb_stream_out(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size() + 8);
+    for (char c : text) {
+        switch (c) {
+        case '\n':
+            out += "\\n";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\r':
+        case '\0':
+            break;
+        default:
+            out += c;
+        }
+    }
+    return out;
+}
+
+std::string zb_stream_in(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    const size_t n = text.size();
+    for (size_t i = 0; i < n; ++i) {
+        char c = text[i];
+        if (c != '\\' || i + 1 == n) {
+            out += c;
+            continue;
+        }
+        char next = text[++i];
+        out += next == 'n' ? '\n' : next;
+    }
+    return out;
+}
+
+bool zb_read_line(std::istream& in, std::string& line)
+{
+    if (!std::getline(in, line))
+        return false;
+    if (line.find_first_of("\r\n") != std::string::npos) {
+        std::string clean;
+        clean.reserve(line.size());
+        for (char c : line)
+            if (c != '\r' && c != '\n')
+                clean += c;
+        line.swap(clean);
+    }
+    return true;
+}
+
+void zb_write_raw_line(std::ostream& out, const std::string& text)
+{
+    std::string escaped = zb_stream_out(text);
+    if (!escaped.empty()) {
+        char first = escaped[0];
+        if (first == '!' || first == '@' || first == '\\' || first == '{' || first == '}')
+            out << '\\';
+    }
+    out << escaped << '\n';
+}
+
+int ZBSerialisationEntry::read_entry(std::istream& in)
+{
+    std::string line;
+    if (!zb_read_line(in, line))
+        return ZBErrC_okEndOfRecord;
+    if (line.size() <= 1) {
+        if (line == "}")
+            return ZBErrC_okEndOfRecord;
+        m_entryType = E_Raw;
+        m_tag.clear();
+        m_value = line;
+        return ZBErrC_ok;
+    }
+    char first = line[0];
+    if (first == '!') {
+        m_entryType = E_Field;
+        std::string text = zb_stream_in(line);
+        size_t bang = text.find('!', 1);
+        if (bang == std::string::npos) {
+            m_tag = text.substr(1);
+            m_value.clear();
+        } else {
+            m_tag = text.substr(1, bang - 1);
+            m_value = text.substr(bang + 1);
+        }
+        return ZBErrC_ok;
+    }
+    if (first == '@') {
+        m_entryType = E_Class;
+        m_tag = zb_stream_in(line.substr(1));
+        m_value.clear();
+        int depth = 0;
+        int opened = 0;
+        std::string next;
+        while (zb_read_line(in, next)) {
+            m_value += next;
+            m_value += '\n';
+            if (!next.empty()) {
+                if (next[0] == '{') {
+                    ++depth;
+                    ++opened;
+                } else if (next[0] == '}') {
+                    --depth;
+                }
+            }
+            if (opened > 0 && depth == 0)
+                return ZBErrC_ok;
+        }
+        return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
+    }
+    if (first == '}')
+        return ZBErrC_okEndOfRecord;
+    m_entryType = E_Raw;
+    m_tag.clear();
+    m_value = zb_stream_in(first == '\\' ? line.substr(1) : line);
+    return ZBErrC_ok;
+}
+
+int ZBSerialisationEntry::write_entry(std::ostream& out) const
+{
+    switch (m_entryType) {
+    case E_Field:
+        out << zb_stream_out("!" + m_tag + "!" + m_value) << '\n';
+        break;
+    case E_Class:
+        out << '@' << zb_stream_out(m_tag) << '\n' << m_value;
+        break;
+    case E_Raw:
+        zb_write_raw_line(out, m_value);
+        break;
+    }
+    if (!out)
+        return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+    return ZBErrC_ok;
+}
+
+void ZBSerialisationEntry::dump(std::ostream& out, int indent) const
+{
+    out << std::string(indent * 4, ' ') << "ZBSerialisationEntry " << int(m_entryType) << " [" << m_tag << "] " << m_value << "\n";
+}
+
+} // namespace Tervalon

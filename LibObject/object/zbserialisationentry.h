@@ -1,0 +1,48 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+namespace Tervalon {
+
+// One parsed unit of the object stream: a field (!tag!value), a nested object
+// (@tag and the object's whole text) or a raw data line.
+class ZBSerialisationEntry {
+public:
+    enum E_ReadMode { E_Field = 0, E_Class = 1, E_Raw = 2 };
+
+    ZBSerialisationEntry() = default;
+    ZBSerialisationEntry(E_ReadMode type, const std::string& tag, const std::string& value)
+        : m_entryType(type), m_tag(tag), m_value(value) {}
+    virtual ~ZBSerialisationEntry() = default;
+
+    // Reads one entry; ZBErrC_okEndOfRecord at the class end or the end of the stream.
+    int read_entry(std::istream& in);
+    // Writes the entry back in the form it was read from.
+    int write_entry(std::ostream& out) const;
+
+    bool operator==(const ZBSerialisationEntry& other) const
+    {
+        return m_entryType == other.m_entryType && m_tag == other.m_tag && m_value == other.m_value;
+    }
+    bool operator!=(const ZBSerialisationEntry& other) const { return !(*this == other); }
+
+    virtual void dump(std::ostream& out, int indent) const;
+
+    E_ReadMode m_entryType = E_Raw;
+    std::string m_tag;
+    std::string m_value;
+};
+
+// The line escaper: a line feed becomes "\n", a backslash two backslashes;
+// carriage returns and NULs are dropped.
+std::string zb_stream_out(const std::string& text);
+// The reverse: "\n" is a line feed, "\x" is x, a lone backslash at the end stays.
+std::string zb_stream_in(const std::string& text);
+// Reads one line with every CR and LF removed; false at the end of the stream.
+bool zb_read_line(std::istream& in, std::string& line);
+// Writes a raw data line, with the extra backslash where the line would otherwise
+// be taken for a field, an object or a class marker.
+void zb_write_raw_line(std::ostream& out, const std::string& text);
+
+} // namespace Tervalon

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "LibObject/object/zbsrl.h"
+#include "LibCore/error/zberror.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <iomanip>
+#include <istream>
+#include <limits>
+#include <ostream>
+#include <sstream>
+#include <type_traits>
+
+namespace Tervalon {
+
+namespace zbsrl_detail {
+
+// Shortest text that reads back to the same double.
+inline std::string double_text(double value)
+{
+    char buffer[40];
+    for (int digits = 15; digits <= 17; ++digits) {
+        std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+        if (std::strtod(buffer, nullptr) == value)
+            break;
+    }
+    return buffer;
+}
+
+} // namespace zbsrl_detail
+
+// Binds one value with a default and a precision. A value equal to its default
+// takes no line in the file. Doubles keep every digit they need to read back
+// exactly, unless a precision is given; then they are written fixed with it.
+template <class T>
+class ZBSrlValue : public ZBSrl {
+public:
+    ZBSrlValue(T& value, const T& defaultValue, int precision = 0)
+        : m_value(value), m_default(defaultValue), m_precision(precision) {}
+
+    bool is_default() const override { return m_value == m_default; }
+    void set_to_default() override { m_value = m_default; }
+
+    int read(std::istream& in) override
+    {
+        in >> m_value;
+        return ZBErrC_ok;
+    }
+
+    int write(std::ostream& out, int) const override
+    {
+        if constexpr (std::is_floating_point<T>::value) {
+            if (m_precision > 0)
+                out << std::fixed << std::setprecision(m_precision) << m_value;
+            else
+                out << zbsrl_detail::double_text(double(m_value));
+        } else {
+            out << m_value;
+        }
+        return out ? ZBErrC_ok : zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
+    }
+
+    int read_text(const std::string& text) override
+    {
+        if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value && !std::is_same<T, bool>::value) {
+            // As extraction would: leading blanks skipped, text that is not a number leaves 0.
+            errno = 0;
+            char* end = nullptr;
+            long long parsed = std::strtoll(text.c_str(), &end, 10);
+            if (end == text.c_str())
+                m_value = T(0);
+            else if (errno == ERANGE || parsed > (long long)std::numeric_limits<T>::max())
+                m_value = std::numeric_limits<T>::max();
+            else if (parsed < (long long)std::numeric_limits<T>::min())
+                m_value = std::numeric_limits<T>::min();
+            else
+                m_value = T(parsed);
+            return ZBErrC_ok;
+        } else {
+            return ZBSrl::read_text(text);
+        }
+    }
+
+    int write_text(std::string& text, int index) const override
+    {
+        if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value) {
+            text = std::to_string(m_value);
+            return ZBErrC_ok;
+        } else if constexpr (std::is_floating_point<T>::value) {
+            if (m_precision <= 0) {
+                text = zbsrl_detail::double_text(double(m_value));
+                return ZBErrC_ok;
+            }
+            return ZBSrl::write_text(text, index);
+        } else {
+            return ZBSrl::write_text(text, index);
+        }
+    }
+
+private:
+    T& m_value;
+    T m_default;
+    int m_precision;
+};
+
+} // namespace Tervalon
