@@ -1,1 +1,27 @@
-int main() { return 0; }
+// The desktop program's entry point.
+#include "AppTervalonDiary/main/appdiary.h"
+#include "LibCore/error/zberror.h"
+#include "LibGui/qt/zbqtapp.h"
+
+int main(int argc, char** argv)
+{
+    int early = Tervalon::ZBQtApp::pre_setup(argc, argv);
+    if (early >= 0)
+        return early;
+    Tervalon::ZBQtApp qtApp(argc, argv);
+    int status = 0;
+    {
+        Tervalon::AppDiary app(qtApp, argc, argv);
+        int value = Tervalon::ZBErrC_ok;
+        try {
+            value = app.start();
+        } catch (const Tervalon::ZBErrDetails& details) {
+            value = details.get_value();
+        }
+        if (Tervalon::iszbwarn(value))
+            status = Tervalon::zbhandle_error(value, 3) >= 3 ? 1 : 0;
+        else if (value != 0)
+            status = 1;
+    }
+    return status;
+}

@@ -1,0 +1,99 @@
+#include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/cli/cmdcheck.h"
+#include "AppTervalonDiary/cli/cmdcreate.h"
+#include "AppTervalonDiary/cli/cmddump.h"
+#include "AppTervalonDiary/cli/cmdrewrite.h"
+#include "AppTervalonDiary/diary/appdiaryinfo.h"
+#include "LibCore/error/zberror.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <ostream>
+
+namespace Tervalon {
+
+TervalonCli::TervalonCli()
+{
+    add_command(std::unique_ptr<CliCommand>(new CmdCreate()));
+    add_command(std::unique_ptr<CliCommand>(new CmdCheck()));
+    add_command(std::unique_ptr<CliCommand>(new CmdRewrite()));
+    add_command(std::unique_ptr<CliCommand>(new CmdDump()));
+}
+
+TervalonCli::~TervalonCli() = default;
+
+void TervalonCli::add_command(std::unique_ptr<CliCommand> command)
+{
+    m_command.push_back(std::move(command));
+}
+
+CliCommand* TervalonCli::find(const std::string& name) const
+{
+    for (const auto& command : m_command)
+        if (command->name() == name)
+            return command.get();
+    return nullptr;
+}
+
+void TervalonCli::print_usage(std::ostream& out) const
+{
+    out << "Usage: tervalon COMMAND [FILE] [ARGS...]\n"
+        << "       tervalon COMMAND --help\n"
+        << "       tervalon --help | --version\n\n"
+        << AppDiaryInfo::C_Title << " on the command line: keep a diary file without the window.\n\n"
+        << "Commands:\n";
+    size_t width = 0;
+    for (const auto& command : m_command)
+        width = std::max(width, command->usage().size());
+    for (const auto& command : m_command)
+        out << "  " << std::left << std::setw(int(width)) << command->usage() << "  " << command->summary() << "\n";
+    out.flush();
+}
+
+void TervalonCli::print_version(std::ostream& out)
+{
+    out << "tervalon (" << AppDiaryInfo::C_Title << ") " << AppDiaryInfo::C_Release << "\n"
+        << "  Build Tag:  " << AppDiaryInfo::C_Tag << "\n"
+        << "  Build Date: " << AppDiaryInfo::C_Date << std::endl;
+}
+
+int TervalonCli::run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    if (args.size() < 2) {
+        print_usage(err);
+        return 1;
+    }
+    const std::string& first = args[1];
+    if (first == "--help" || first == "-h" || first == "help") {
+        print_usage(out);
+        return 0;
+    }
+    if (first == "--version" || first == "-v") {
+        print_version(out);
+        return 0;
+    }
+    CliCommand* command = find(first);
+    if (!command) {
+        err << "tervalon: unknown command '" << first << "'\n";
+        print_usage(err);
+        return 1;
+    }
+    CliContext context{std::vector<std::string>(args.begin() + 2, args.end()), out, err};
+    for (const std::string& arg : context.args)
+        if (arg == "--help" || arg == "-h") {
+            out << "Usage: tervalon " << command->usage() << "\n" << command->summary() << "\n";
+            if (command->writes())
+                out << "Changes the file in place; it is saved whole through a temporary file.\n";
+            out.flush();
+            return 0;
+        }
+    try {
+        return command->run(context);
+    } catch (const ZBErrDetails& details) {
+        err << "tervalon: " << details.get_message() << std::endl;
+        get_zberror().clear_all();
+        return 2;
+    }
+}
+
+} // namespace Tervalon

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "AppTervalonDiary/cli/clicommand.h"
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+// The command-line program: finds the subcommand named by the first argument
+// and runs it. It knows nothing of any command's details; commands register here.
+class TervalonCli {
+public:
+    TervalonCli();
+    ~TervalonCli();
+
+    void add_command(std::unique_ptr<CliCommand> command);
+    // Runs one command line (argv[0] is the program) and gives the exit status.
+    int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+    void print_usage(std::ostream& out) const;
+    static void print_version(std::ostream& out);
+
+private:
+    CliCommand* find(const std::string& name) const;
+    std::vector<std::unique_ptr<CliCommand>> m_command;
+};
+
+} // namespace Tervalon

@@ -1,0 +1,164 @@
+#include "LibDatabase/qt/zbapplicationqt.h"
+#include "LibDatabase/qt/zbdbmanagerqt.h"
+#include "LibDatabase/db/zbdatabase.h"
+#include "LibGui/qt/zbqtapp.h"
+#include "LibCore/error/zberror.h"
+#include "LibDate/date/zblocale.h"
+
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QTimer>
+#include <QRegularExpression>
+#include <QUrlQuery>
+
+namespace Tervalon {
+
+namespace {
+ZBApplicationQt* g_applicationQt = nullptr;
+}
+
+ZBApplicationQt::ZBApplicationQt(ZBQtApp& qtApp, int argc, char** argv, const std::string& application,
+                                 const std::string& title, const std::string& extension, const std::string& release,
+                                 const std::string& tag, const std::string& date, const std::string& description,
+                                 const std::string& company, const std::string& domain, const std::string& copyright,
+                                 const std::string& authors, const std::string& logo, const std::string& email,
+                                 const std::string& web, const std::string& website)
+    : QObject(nullptr), ZBApplication(argc, argv, application, title, extension, release, tag, date, description,
+                                      company, domain, copyright, authors, logo, email, web, website),
+      m_qtApp(qtApp), m_window(false)
+{
+    g_applicationQt = this;
+    qtApp.set_url_receiver(this);
+}
+
+ZBApplicationQt::~ZBApplicationQt()
+{
+    m_qtApp.set_url_receiver(nullptr);
+    if (g_applicationQt == this)
+        g_applicationQt = nullptr;
+}
+
+int ZBApplicationQt::start()
+{
+    QTimer::singleShot(100, this, &ZBApplicationQt::app_started);
+    int result = QApplication::exec();
+    if (result != 0 && iszbwarn(result))
+        return zberrorvalue();
+    return result == 0 ? ZBErrC_ok : result;
+}
+
+int ZBApplicationQt::setup_error()
+{
+    int result = ZBApplication::setup_error();
+    get_zberror().set_errorui(true);
+    return result;
+}
+
+void ZBApplicationQt::app_started()
+{
+    try {
+        int result = setup_error();
+        if (!iszbwarn(result))
+            result = setup_parameters();
+        if (result == ZBErrC_okShutdown) {
+            QCoreApplication::exit(0);
+            return;
+        }
+        if (!iszbwarn(result))
+            result = zblocale().read_config();
+        if (!iszbwarn(result))
+            result = run();
+        if (iszbwarn(result) && get_zberror().get_errorui() && get_zberror().top()) {
+            const ZBErrDetails& top = *get_zberror().top();
+            QMessageBox::critical(nullptr, QString::fromStdString(get_title()),
+                                  QString::fromStdString(top.get_details(ZBErrAsp_User) + "\n" + top.get_details(ZBErrAsp_System)));
+        }
+        if (result == ZBErrC_okShutdown || (iszbwarn(result) && zbhandle_error(result, 2) >= 1 && get_nwindows() == 0))
+            QCoreApplication::exit(result == ZBErrC_okShutdown ? 0 : 1);
+    } catch (const ZBErrDetails& details) {
+        if (zbhandle_error(details.get_value(), 2) >= 2)
+            QCoreApplication::exit(1);
+    }
+}
+
+void ZBApplicationQt::add_window(ZBDBManagerQt* window)
+{
+    if (window && m_window.index_of(window) < 0)
+        m_window.push_back(window);
+}
+
+void ZBApplicationQt::remove_window(ZBDBManagerQt* window)
+{
+    int index = m_window.index_of(window);
+    if (index >= 0)
+        m_window.remove(index);
+}
+
+ZBDBManagerQt* ZBApplicationQt::get_window_db(const ZBDatabase& db) const
+{
+    for (ZBDBManagerQt* window : m_window)
+        if (window->get_database() == &db)
+            return window;
+    return nullptr;
+}
+
+void ZBApplicationQt::push_status(const std::string& status, double percentage, bool background, int delay)
+{
+    ZBApplication::push_status(status, percentage, background, delay);
+    if (ZBDBManagerQt* window = primary_window())
+        window->update_display();
+}
+
+void ZBApplicationQt::setup_url_handler(const std::string& scheme)
+{
+    QDesktopServices::setUrlHandler(QString::fromStdString(scheme), this, "url_scheme");
+}
+
+void ZBApplicationQt::parse_url(const QUrl& url, std::string& command, std::map<std::string, std::string>& values)
+{
+    QString text = QUrl::fromPercentEncoding(url.toString().toUtf8());
+    int start = text.indexOf("://");
+    QString rest = start < 0 ? text : text.mid(start + 3);
+    int end = rest.indexOf(QRegularExpression("[/?]"));
+    command = (end < 0 ? rest : rest.left(end)).toStdString();
+    values.clear();
+    for (const auto& item : QUrlQuery(url).queryItems(QUrl::FullyDecoded))
+        values[item.first.toStdString()] = item.second.toStdString();
+}
+
+void ZBApplicationQt::url_scheme(const QUrl& url)
+{
+    ZBDBManagerQt* window = primary_window();
+    if (!window || !window->is_loaded()) {
+        m_pendingUrl = url.toString().toStdString();
+        return;
+    }
+    std::string command;
+    std::map<std::string, std::string> values;
+    parse_url(url, command, values);
+    window->url_command(command, values);
+}
+
+void ZBApplicationQt::handle_pending_url()
+{
+    if (m_pendingUrl.empty())
+        return;
+    ZBDBManagerQt* window = primary_window();
+    if (!window || !window->is_loaded())
+        return;
+    QUrl url(QString::fromStdString(m_pendingUrl));
+    m_pendingUrl.clear();
+    url_scheme(url);
+}
+
+ZBApplicationQt& zbapplicationqt()
+{
+    return *g_applicationQt;
+}
+
+bool has_zbapplicationqt()
+{
+    return g_applicationQt != nullptr;
+}
+
+} // namespace Tervalon
