@@ -36,9 +36,11 @@ ZBObject::ZBObject() : m_connection(nullptr), m_classId(-1)
     ZBObject::register_zbobject();
 }
 
-ZBObject::ZBObject(const ZBObject& other) : m_readEntry(other.m_readEntry), m_connection(nullptr), m_classId(-1)
+// A copy is of the same class as the original, so it takes the original's class
+// id; a class whose copy constructor registers itself gets the same id again.
+ZBObject::ZBObject(const ZBObject& other)
+    : m_readEntry(other.m_readEntry), m_connection(nullptr), m_classId(other.m_classId)
 {
-    ZBObject::register_zbobject();
 }
 
 ZBObject::~ZBObject() = default;

@@ -64,7 +64,11 @@ public:
 
     int read_text(const std::string& text) override
     {
-        if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value && !std::is_same<T, bool>::value) {
+        if constexpr (std::is_same<T, std::string>::value) {
+            // A text value is the whole of the field, spaces and all.
+            m_value = text;
+            return ZBErrC_ok;
+        } else if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value && !std::is_same<T, bool>::value) {
             // As extraction would: leading blanks skipped, text that is not a number leaves 0.
             errno = 0;
             char* end = nullptr;
