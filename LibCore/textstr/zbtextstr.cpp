@@ -31,6 +31,15 @@ bool has_high_bytes(const std::string& text)
     return false;
 }
 
+bool utf8_sequence_valid(const std::string& text);
+
+// Unicode case rules only for real UTF-8: a detour through QString would turn
+// stray bytes into replacement characters, and a parser must not lose bytes.
+bool needs_unicode(const std::string& text)
+{
+    return has_high_bytes(text) && utf8_sequence_valid(text);
+}
+
 // Length of the valid UTF-8 sequence at i, or 0 if the bytes there are not one.
 size_t utf8_sequence(const std::string& s, size_t i)
 {
@@ -82,6 +91,11 @@ void append_utf8(std::string& out, unsigned int cp)
     }
 }
 
+bool utf8_sequence_valid(const std::string& text)
+{
+    return zb_is_valid_utf8(text);
+}
+
 // Windows-1252 bytes 0x80-0x9F; the rest of the high half is Latin-1.
 const unsigned short C_Cp1252[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                      0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
@@ -116,7 +130,7 @@ bool bounds_ok(size_t size, int pos, const char* text)
 
 std::string zb_tolower(const std::string& text)
 {
-    if (has_high_bytes(text))
+    if (needs_unicode(text))
         return QString::fromStdString(text).toLower().toStdString();
     std::string out(text);
     for (char& c : out)
@@ -126,7 +140,7 @@ std::string zb_tolower(const std::string& text)
 
 std::string zb_toupper(const std::string& text)
 {
-    if (has_high_bytes(text))
+    if (needs_unicode(text))
         return QString::fromStdString(text).toUpper().toStdString();
     std::string out(text);
     for (char& c : out)
@@ -136,7 +150,7 @@ std::string zb_toupper(const std::string& text)
 
 int zb_compare_nocase(const std::string& a, const std::string& b)
 {
-    if (has_high_bytes(a) || has_high_bytes(b))
+    if (needs_unicode(a) || needs_unicode(b))
         return QString::compare(QString::fromStdString(a), QString::fromStdString(b), Qt::CaseInsensitive);
     const size_t n = std::min(a.size(), b.size());
     for (size_t i = 0; i < n; ++i) {
@@ -156,7 +170,7 @@ int zb_find_nocase(const std::string& text, const std::string& target, int start
         return size_t(start) <= text.size() ? start : -1;
     if (target.size() > text.size())
         return -1;
-    if (has_high_bytes(target)) {
+    if (needs_unicode(target)) {
         // Folding can change byte lengths, so positions are found on the folded
         // text only where it kept them.
         std::string lowText = zb_tolower(text);
