@@ -39,6 +39,8 @@ int ZBErrHandlerStream::handle(ZBErrDetails& details)
         return details.get_value();
     if (m_oneLine)
         *m_stream << one_line(details, m_aspect) << std::endl;
+    else if (m_aspect == ZBErrAsp_User)
+        *m_stream << details.get_message() << std::endl; // the user's text, or the system's when there is none
     else
         *m_stream << details.get_details(m_aspect) << std::endl;
     return details.get_value();
