@@ -1,7 +1,10 @@
 #include "LibCore/error/zberrdetails.h"
 #include "LibCore/error/zberror.h"
 
-#include <chrono>
+#include "LibDate/date/zbdate.h"
+#include "LibDate/date/zbdateutils.h"
+
+#include <cstdio>
 #include <ostream>
 
 namespace Tervalon {
@@ -56,6 +59,31 @@ void ZBErrDetails::append_extra(const std::string& name, const std::string& valu
     m_extra += name + ": " + value + "\n";
 }
 
+std::string ZBErrDetails::get_time_text() const
+{
+    return m_time == 0 ? std::string() : format_time(m_time, true);
+}
+
+std::string ZBErrDetails::format_time(long long microsSinceEpoch, bool withMicros)
+{
+    // The date is shifted by the local offset of that moment and printed as if
+    // in UTC, so the text reads as the wall clock did when it happened.
+    ZBDate utc;
+    utc.from_micros(microsSinceEpoch, ZBDate::C_GMT);
+    int offset = ZBDateUtils::zone_to_seconds(ZBDateUtils::local_zone_at(utc), true);
+    ZBDate local;
+    local.from_micros(microsSinceEpoch + (long long)offset * ZBDate::C_MicroSecs, ZBDate::C_GMT);
+    int year = 0, month = 0, day = 0;
+    ZBDateUtils::breakdown_yearday(local.get_day_of_year(), local.get_year(), year, month, day);
+    int second = local.get_second_of_day();
+    char buffer[64];
+    int n = std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", year, month + 1, day + 1, second / 3600,
+                          second / 60 % 60, second % 60);
+    if (withMicros && n > 0 && n < int(sizeof buffer))
+        std::snprintf(buffer + n, sizeof buffer - size_t(n), ".%06d", local.get_microsecond());
+    return buffer;
+}
+
 std::string ZBErrDetails::get_message() const
 {
     if (!m_details[ZBErrAsp_User].empty() && m_details[ZBErrAsp_User] != get_zberror().get_default_message(ZBErrAsp_User))
@@ -91,19 +119,35 @@ void ZBErrDetails::dump(std::ostream& out, int indent) const
         << pad << "    extra    : " << m_extra << "\n";
 }
 
+// One record as the error log keeps it. Continuation lines of the location and
+// the extra part are indented under their label.
 std::ostream& operator<<(std::ostream& out, const ZBErrDetails& details)
 {
     const ZBErrCode& code = ZBError::get_code(details.get_code());
     if (details.get_severity() == ZBErrSev_Log) {
-        out << "Log: " << details.get_time() << " " << details.get_location() << " " << details.get_details(ZBErrAsp_System);
+        out << "Log: " << details.get_time_text() << " " << details.get_location() << " "
+            << details.get_details(ZBErrAsp_System);
         return out;
     }
-    out << " ZBError Code " << code.m_code << "(" << code.m_name << ") at " << details.get_time() << "\n"
+    out << " ZBError Code " << code.m_code << "(" << code.m_name << ") at " << details.get_time_text() << "\n"
         << details.get_details(ZBErrAsp_System);
-    if (!details.get_location().empty())
-        out << "\n  Location: " << details.get_location();
-    if (!details.get_extra().empty())
-        out << "\n  Extra: " << details.get_extra();
+    const std::string& user = details.get_details(ZBErrAsp_User);
+    if (!user.empty() && user != details.get_details(ZBErrAsp_System)
+        && user != get_zberror().get_default_message(ZBErrAsp_User))
+        out << "\n  User: " << user;
+    auto labelled = [&out](const char* label, const std::string& text) {
+        size_t start = 0;
+        while (start < text.size()) {
+            size_t end = text.find('\n', start);
+            if (end == std::string::npos)
+                end = text.size();
+            if (end > start)
+                out << "\n" << label << text.substr(start, end - start);
+            start = end + 1;
+        }
+    };
+    labelled("  Location: ", details.get_location());
+    labelled("  Extra: ", details.get_extra());
     return out;
 }
 

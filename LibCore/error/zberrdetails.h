@@ -38,6 +38,10 @@ public:
     void append_extra(const std::string& name, const std::string& value);
     long long get_time() const { return m_time; }
     void set_time(long long microsSinceEpoch) { m_time = microsSinceEpoch; }
+    // The time in the local zone, "2026-03-09 14:05:07.123456"; empty when none is set.
+    std::string get_time_text() const;
+    // Local wall-clock text of a moment: "YYYY-MM-DD HH:MM:SS", with ".uuuuuu" if asked.
+    static std::string format_time(long long microsSinceEpoch, bool withMicros);
 
     // The text a person should see: the user aspect if there is one, else the system text.
     std::string get_message() const;

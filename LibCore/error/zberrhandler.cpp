@@ -26,22 +26,4 @@ void ZBErrHandler::dump(std::ostream& out, int indent) const
         << " delayed=" << m_delayed << " managed=" << m_deletionManaged << " enabled=" << m_enabled << "\n";
 }
 
-ZBErrHandlerStream::ZBErrHandlerStream(std::ostream* stream, bool immediate, bool intermediate, bool delayed, bool deletionManaged)
-    : ZBErrHandler(immediate, intermediate, delayed, deletionManaged), m_stream(stream)
-{
-}
-
-int ZBErrHandlerStream::handle(ZBErrDetails& details)
-{
-    if (m_stream)
-        *m_stream << details.get_message() << std::endl;
-    return details.get_value();
-}
-
-void ZBErrHandlerStream::log(ZBErrDetails& details)
-{
-    if (m_stream)
-        *m_stream << details.get_details(ZBErrAsp_System) << std::endl;
-}
-
 } // namespace Tervalon

@@ -33,14 +33,8 @@ private:
     bool m_enabled;
 };
 
-// Writes the user's text of each record to a stream.
-class ZBErrHandlerStream : public ZBErrHandler {
-public:
-    ZBErrHandlerStream(std::ostream* stream, bool immediate, bool intermediate, bool delayed, bool deletionManaged);
-    int handle(ZBErrDetails& details) override;
-    void log(ZBErrDetails& details) override;
-private:
-    std::ostream* m_stream;
-};
-
 } // namespace Tervalon
+
+// The concrete handlers, for code that included this header to get them.
+#include "LibCore/error/zberrhandlerlogfile.h"
+#include "LibCore/error/zberrhandlerstream.h"

@@ -1,5 +1,7 @@
 #include "LibCore/error/zberror.h"
 #include "LibCore/error/zberrhandler.h"
+#include "LibCore/error/zberrhandlerstream.h"
+#include "LibDate/date/zbdateutils.h"
 
 #include <QCoreApplication>
 
@@ -100,11 +102,8 @@ std::unique_ptr<ZBError>& error_singleton()
     return error;
 }
 
-long long micros_now()
-{
-    using namespace std::chrono;
-    return duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
-}
+ZBError::ErrorUiFn g_errorUiFn = nullptr;
+ZBError::ActiveWindowFn g_activeWindowFn = nullptr;
 
 } // namespace
 
@@ -180,7 +179,7 @@ ZBError::ZBError(const std::string& program, const std::string& release, const s
     m_defaultMessage[ZBErrAsp_User] = "Internal program error.";
     for (int i = 0; i < 5; ++i) {
         m_action[i] = E_ActionReturn;
-        m_stream[i] = nullptr;
+        m_stream[i] = &std::cerr;
     }
 }
 
@@ -225,26 +224,28 @@ int ZBError::activate()
 {
     if (m_error.empty())
         return 0;
-    int value = m_error.front().get_value();
     if (handle_error(true, false) == ZBErrC_okHandled)
         return 0;
-    int severity = m_error.front().get_severity();
-    if (m_stream[severity])
-        *m_stream[severity] << m_error.front() << std::endl;
-    perform_action();
-    return value;
+    const ZBErrDetails& top = m_error.front();
+    int severity = top.get_severity();
+    if (severity >= 0 && severity < 5 && m_stream[severity])
+        *m_stream[severity] << top << std::endl;
+    return perform_action();
 }
 
+// Immediate handlers see a record as it is reported, delayed ones when the top
+// of a user action handles it, intermediate ones on every pass. A delayed
+// handler is not called on the immediate pass, so a record reaches a log once.
 int ZBError::handle_error(bool immediate, bool delayed)
 {
     if (m_error.empty())
         return ZBErrC_ok;
     for (int i = int(m_handler.size()) - 1; i >= 0; --i) {
-        ZBErrHandler* handler = m_handler[i];
+        ZBErrHandler* handler = m_handler[size_t(i)];
         if (!handler->is_enabled())
             continue;
-        bool call = (handler->is_immediate() && immediate) || (handler->is_delayed() && delayed)
-            || (handler->is_intermediate() && !immediate && !delayed);
+        bool call = (handler->is_immediate() && immediate) || handler->is_intermediate()
+            || (handler->is_delayed() && delayed);
         if (!call)
             continue;
         if (handler->handle(m_error.front()) == ZBErrC_okHandled) {
@@ -271,6 +272,7 @@ int ZBError::perform_action()
     if (action == E_ActionAssert) {
         std::cerr << "Assertion at " << top.get_location() << ": " << top.get_details(ZBErrAsp_System) << std::endl;
         assert(false);
+        std::abort();
     } else if (action == E_ActionThrow) {
         throw ZBErrDetails(top);
     }
@@ -291,6 +293,47 @@ void ZBError::remove_handler(ZBErrHandler* handler)
     m_handler.erase(it);
     if (handler->is_deletion_managed())
         delete handler;
+}
+
+void ZBError::set_errorui_fn(ErrorUiFn fn)
+{
+    g_errorUiFn = fn;
+}
+
+void ZBError::set_active_window_fn(ActiveWindowFn fn)
+{
+    g_activeWindowFn = fn;
+}
+
+std::string ZBError::active_window_name()
+{
+    return g_activeWindowFn ? g_activeWindowFn() : std::string();
+}
+
+std::ostream* ZBError::get_stream(int severity) const
+{
+    return severity >= 0 && severity < 5 ? m_stream[severity] : nullptr;
+}
+
+ZBErrHandler* ZBError::get_handler(int index) const
+{
+    return index >= 0 && index < int(m_handler.size()) ? m_handler[size_t(index)] : nullptr;
+}
+
+const ZBErrDetails* ZBError::get_error(int index) const
+{
+    return index >= 0 && index < int(m_error.size()) ? &m_error[size_t(index)] : nullptr;
+}
+
+void ZBError::setup_cli(std::ostream* stream)
+{
+    set_stream(nullptr, ZBErrSev_All);
+    set_action(E_ActionReturn, ZBErrSev_All);
+    m_errorui = false;
+    ZBErrHandlerStream* handler = new ZBErrHandlerStream(stream, false, false, true, true);
+    handler->set_aspect(ZBErrAsp_System);
+    handler->set_one_line(true);
+    add_handler(handler);
 }
 
 ZBErrDetails* ZBError::top()
@@ -412,17 +455,23 @@ std::string zb_sprintf(const char* format, ...)
     return text;
 }
 
-int zbsysreport(int code, int severity, const std::string& location, const std::string& text, ZBErrAspect aspect)
+int zbsysreport(int code, int severity, const std::string& location, const std::string& text, ZBErrAspect aspect,
+                long long micros)
 {
     ZBError& error = get_zberror();
     ZBErrDetails details;
-    details.populate_error(code, ZBErrSeverity(severity));
+    details.populate_error(code, ZBErrSeverity(severity < 0 || severity > 4 ? ZBErrSev_Error : severity));
     details.set_details(ZBErrAsp_System, error.get_default_message(ZBErrAsp_System));
     details.set_details(ZBErrAsp_User, error.get_default_message(ZBErrAsp_User));
     details.set_details(aspect, text);
-    details.set_time(micros_now());
+    if (micros == 0)
+        micros = error.get_deftime() != 0 ? error.get_deftime() : ZBDateUtils::unow();
+    details.set_time(micros);
     details.set_location(location);
-    if (severity == ZBErrSev_Log) {
+    std::string window = ZBError::active_window_name();
+    if (!window.empty())
+        details.append_extra("Active Window", window);
+    if (details.get_severity() == ZBErrSev_Log) {
         error.write_log(details);
         return details.get_value();
     }
@@ -459,21 +508,25 @@ int zbwarning(int code, const std::string& location, const char* format, ...)
 int zbwarnuser(int code, const std::string& location, const char* format, ...)
 {
     ZB_FORMAT_TEXT(text, format);
+    // The same words serve the developer too, rather than the default "no details".
     ZBError& error = get_zberror();
-    ZBErrDetails details;
-    details.populate_error(code, ZBErrSev_UserWarning);
-    details.set_details(ZBErrAsp_System, text);
-    details.set_details(ZBErrAsp_User, text);
-    details.set_time(micros_now());
-    details.set_location(location);
-    error.report(details);
-    return details.get_value();
+    std::string saved = error.get_default_message(ZBErrAsp_System);
+    error.set_default_message(ZBErrAsp_System, text);
+    int value = zbsysreport(code, ZBErrSev_UserWarning, location, text, ZBErrAsp_User);
+    error.set_default_message(ZBErrAsp_System, saved);
+    return value;
 }
 
 int zblog(int code, const std::string& location, const char* format, ...)
 {
     ZB_FORMAT_TEXT(text, format);
     return zbsysreport(code, ZBErrSev_Log, location, text);
+}
+
+int zblog(const std::string& location, const char* format, ...)
+{
+    ZB_FORMAT_TEXT(text, format);
+    return zbsysreport(ZBErrC_ok, ZBErrSev_Log, location, text);
 }
 
 int zbuserinfo_set(const char* format, ...)
@@ -488,14 +541,18 @@ int zbuserinfo_set(const char* format, ...)
 
 int zbhandle_error(int value, int severityOfDialog)
 {
-    (void)severityOfDialog;
     if (value >= 0 && ZBErrDetails::compute_severity(value) == 0)
         return 0;
     ZBError& error = get_zberror();
     if (!error.top())
         return 0;
-    int severity = error.top()->get_severity();
-    error.handle_error(false, true);
+    int severity = value >= 0 ? ZBErrDetails::compute_severity(value) : error.top()->get_severity();
+    if (error.handle_error(false, true) != ZBErrC_okHandled && error.get_errorui() && g_errorUiFn && error.top()) {
+        // The caller's context sets a floor: a warning that stops the start of the
+        // program is shown as an error.
+        int shown = std::max(int(error.top()->get_severity()), std::min(severityOfDialog, int(ZBErrSev_Fatal)));
+        g_errorUiFn(*error.top(), shown);
+    }
     error.clear_all();
     return severity;
 }
@@ -546,7 +603,17 @@ void clear_last_error()
 
 int zbassert_failed(const char* condition, const std::string& location)
 {
-    return zberror(ZBErrC_Assert, location, "Assertion Failed: %s", condition);
+    return zberror(ZBErrC_Assert, location, "Assertion Failed: ( %s )", condition);
+}
+
+int zb_exit_status(int value)
+{
+    int severity = value < 0 ? (get_zberror().top() ? get_zberror().top()->get_severity() : 0)
+                             : ZBErrDetails::compute_severity(value);
+    if (severity < ZBErrSev_Error)
+        return 0;
+    int code = value < 0 ? (get_zberror().top() ? get_zberror().top()->get_code() : 0) : ZBErrDetails::compute_code(value);
+    return severity >= ZBErrSev_Fatal || code == ZBErrC_Assert ? 2 : 1;
 }
 
 } // namespace Tervalon

@@ -11,6 +11,7 @@
 namespace Tervalon {
 
 class ZBErrHandler;
+class ZBLog;
 
 // The process-wide error state: the code table, the stack of records (newest
 // first), the handlers and what to do per severity. Reached through get_zberror();
@@ -19,6 +20,14 @@ class ZBErrHandler;
 class ZBError {
 public:
     enum ZBErrActions { E_ActionAssert = 0, E_ActionThrow = 1, E_ActionReturn = 2 };
+
+    // Hooks through which the widget layer joins in without this library
+    // depending on it: the error dialog, and the name of the active window.
+    using ErrorUiFn = void (*)(const ZBErrDetails& details, int severity);
+    using ActiveWindowFn = std::string (*)();
+    static void set_errorui_fn(ErrorUiFn fn);
+    static void set_active_window_fn(ActiveWindowFn fn);
+    static std::string active_window_name();
 
     ZBError();
     ZBError(const std::string& program, const std::string& release, const std::string& vendor);
@@ -43,6 +52,9 @@ public:
     ZBErrDetails* top();
     const ZBErrDetails* top() const;
     void clear_last_error();
+// Exit status of a program for a final value: 0 below severity 3, 1 for an
+// error, 2 for a fatal error or a failed assertion.
+int zb_exit_status(int value);
     void clear_all();
 
     void set_stream(std::ostream* stream, int severity);
@@ -51,6 +63,18 @@ public:
     void set_errorui(bool on) { m_errorui = on; }
     bool get_errorui() const { return m_errorui; }
     void set_deftime(long long micros) { m_defTime = micros; }
+    long long get_deftime() const { return m_defTime; }
+    void set_default_message(ZBErrAspect aspect, const std::string& text) { m_defaultMessage[aspect] = text; }
+    std::ostream* get_stream(int severity) const;
+    const std::string& get_release() const { return m_release; }
+    const std::string& get_vendor() const { return m_vendor; }
+    ZBErrHandler* get_handler(int index) const;
+    const ZBErrDetails* get_error(int index) const;
+
+    // The command-line program: no dialog, nothing written as records are
+    // reported, and one line with the system's text on the stream for each
+    // record that reaches the top of the program unhandled.
+    void setup_cli(std::ostream* stream);
     const std::string& get_default_message(ZBErrAspect aspect) const { return m_defaultMessage[aspect]; }
     const std::string& get_program() const { return m_program; }
 
@@ -147,12 +171,18 @@ std::string zblocation(const char* file, int line);
 std::string zb_sprintf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 std::string zb_vsprintf(const char* format, va_list args);
 
-int zbsysreport(int code, int severity, const std::string& location, const std::string& text, ZBErrAspect aspect = ZBErrAsp_System);
+// A time of 0 means "when reported" (or the fixed default time, if one is set).
+int zbsysreport(int code, int severity, const std::string& location, const std::string& text,
+                ZBErrAspect aspect = ZBErrAsp_System, long long micros = 0);
 int zberror(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
 int zberror_and_handle(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
 int zbwarning(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
 int zbwarnuser(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+// Severity-0 reports go to the handlers' logs only; the stack is not touched.
+// zblog() without arguments is the named-log singleton (LibCore/log/zblog.h).
 int zblog(int code, const std::string& location, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int zblog(const std::string& location, const char* format, ...) __attribute__((format(printf, 2, 3)));
+ZBLog& zblog();
 int zbuserinfo_set(const char* format, ...) __attribute__((format(printf, 1, 2)));
 int zbhandle_error(int value, int severityOfDialog);
 int zbusererror_handle(bool delayed);
@@ -162,6 +192,9 @@ int zbpass(const std::string& location);
 void handle_last_error(int value);
 void handle_last_warning(int value);
 void clear_last_error();
+// Exit status of a program for a final value: 0 below severity 3, 1 for an
+// error, 2 for a fatal error or a failed assertion.
+int zb_exit_status(int value);
 
 // Assertions report "Assertion Failed: " and the condition.
 int zbassert_failed(const char* condition, const std::string& location);
