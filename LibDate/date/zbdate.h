@@ -18,28 +18,28 @@ class ZBDate {
 public:
     enum E_DateInit { E_Invalid = 0, E_Zero = 1, E_Blank = 2 };
 
-    static const int C_BlankDateYear = 9999;
-    static const int C_InvalidDateYear = 9998;
-    static const int C_InvalidYear = -99999;
-    static const int C_MinSecs = 60;
-    static const int C_HourSecs = 3600;
-    static const int C_DaySecs = 86400;
-    static const int C_WeekSecs = 604800;
-    static const int C_HourMins = 60;
-    static const int C_DayHours = 24;
-    static const int C_WeekDays = 7;
-    static const int C_YearMonths = 12;
-    static const int C_MicroSecs = 1000000;
+    static constexpr int C_BlankDateYear = 9999;
+    static constexpr int C_InvalidDateYear = 9998;
+    static constexpr int C_InvalidYear = -99999;
+    static constexpr int C_MinSecs = 60;
+    static constexpr int C_HourSecs = 3600;
+    static constexpr int C_DaySecs = 86400;
+    static constexpr int C_WeekSecs = 604800;
+    static constexpr int C_HourMins = 60;
+    static constexpr int C_DayHours = 24;
+    static constexpr int C_WeekDays = 7;
+    static constexpr int C_YearMonths = 12;
+    static constexpr int C_MicroSecs = 1000000;
     static const int C_DaysInMonth[12];
     static const int C_DaysInMonthL[12];
 
     // Zones: twice the standard offset east of GMT, plus or minus one for DST.
-    static const int C_ZoneMin = -86400;
-    static const int C_ZoneMax = 86400;
-    static const int C_GMT = 0;
-    static const int C_LocalTime = 90000;
-    static const int C_OriginalTime = 90001;
-    static const int C_DefaultTime = 90002;
+    static constexpr int C_ZoneMin = -86400;
+    static constexpr int C_ZoneMax = 86400;
+    static constexpr int C_GMT = 0;
+    static constexpr int C_LocalTime = 90000;
+    static constexpr int C_OriginalTime = 90001;
+    static constexpr int C_DefaultTime = 90002;
 
     static const ZBDate C_Blank;
     static const ZBDate C_Invalid;

@@ -40,8 +40,8 @@ struct ZoneCache {
     // A few years of per-day answers: bit set in "known" once asked.
     struct Year {
         int year = ZBDate::C_InvalidYear;
-        unsigned char known[46] = {};
-        unsigned char dst[46] = {};
+        unsigned char known[47] = {};
+        unsigned char dst[47] = {};
     } years[4];
     int nextSlot = 0;
 };
