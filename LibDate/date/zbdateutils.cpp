@@ -37,10 +37,9 @@ struct ZoneCache {
     bool valid = false;
     int standardZone = 0;
     bool localDst = false;
-    // A few years of per-day answers: bit set in "known" once asked.
+    // A few years of per-day answers, filled a year at a time.
     struct Year {
         int year = ZBDate::C_InvalidYear;
-        unsigned char known[47] = {};
         unsigned char dst[47] = {};
     } years[4];
     int nextSlot = 0;
@@ -257,19 +256,45 @@ bool ZBDateUtils::date_is_dst(int day, int month, int year)
         if (y.year == year)
             slot = &y;
     if (!slot) {
+        // Fill the whole year at once: ask on the first of each month and
+        // bisect only the months in which the answer changes, a few dozen
+        // questions a year instead of one a day.
         slot = &cache.years[cache.nextSlot];
         cache.nextSlot = (cache.nextSlot + 1) % 4;
         *slot = ZoneCache::Year();
         slot->year = year;
+        auto mark = [slot](int m, int d, bool dst) {
+            int index = m * 31 + d;
+            if (dst)
+                slot->dst[index / 8] |= static_cast<unsigned char>(1u << (index % 8));
+        };
+        bool first[13];
+        for (int m = 0; m < 12; ++m)
+            first[m] = ask_dst(0, m, year);
+        first[12] = ask_dst(0, 0, year + 1);
+        for (int m = 0; m < 12; ++m) {
+            int length = days_in_month(m, year);
+            if (first[m] == first[m + 1]) {
+                for (int d = 0; d < length; ++d)
+                    mark(m, d, first[m]);
+                continue;
+            }
+            // The answer changes once within the month: find the first changed day.
+            int low = 0;
+            int high = length;
+            while (high - low > 1) {
+                int mid = (low + high) / 2;
+                if (ask_dst(mid, m, year) == first[m])
+                    low = mid;
+                else
+                    high = mid;
+            }
+            for (int d = 0; d < length; ++d)
+                mark(m, d, d < high ? first[m] : !first[m]);
+        }
     }
     int index = month * 31 + day;
-    unsigned char bit = static_cast<unsigned char>(1u << (index % 8));
-    if (!(slot->known[index / 8] & bit)) {
-        slot->known[index / 8] |= bit;
-        if (ask_dst(day, month, year))
-            slot->dst[index / 8] |= bit;
-    }
-    return (slot->dst[index / 8] & bit) != 0;
+    return (slot->dst[index / 8] & (1u << (index % 8))) != 0;
 }
 
 bool ZBDateUtils::date_is_local(const ZBDate& date)
