@@ -1,11 +1,14 @@
 #include "LibDate/date/zbdate.h"
 #include "LibDate/date/zbdateutils.h"
+#include "LibDate/date/zbdatedetails.h"
+#include "LibDate/date/zblocale.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <istream>
 #include <ostream>
 #include <sstream>
+#include <cstdint>
 
 namespace Tervalon {
 
@@ -14,18 +17,6 @@ const int ZBDate::C_DaysInMonthL[12] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 
 const ZBDate ZBDate::C_Blank(ZBDate::E_Blank);
 const ZBDate ZBDate::C_Invalid(ZBDate::E_Invalid);
 
-namespace {
-
-// Days from 1 January 1970 to 1 January of a year.
-std::int64_t days_before_year(int year)
-{
-    std::int64_t y = std::int64_t(year) - 1;
-    std::int64_t leaps = y / 4 - y / 100 + y / 400;
-    const std::int64_t leaps1970 = 1969 / 4 - 1969 / 100 + 1969 / 400;
-    return (std::int64_t(year) - 1970) * 365 + (leaps - leaps1970);
-}
-
-} // namespace
 
 ZBDate::ZBDate() : ZBDate(E_Invalid) {}
 
@@ -47,6 +38,11 @@ ZBDate::ZBDate(int year, int dayOfYear, int secondOfDay, int micro, int zone)
 ZBDate::ZBDate(int year, int month, int day, int hour, int minute, int second, int micro, int zone) : ZBDate()
 {
     set_date(year, month, day, hour, minute, second, micro, zone);
+}
+
+ZBDate::ZBDate(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config) : ZBDate()
+{
+    from_string(text, relative, config);
 }
 
 bool ZBDate::is_zero() const
@@ -125,13 +121,12 @@ std::time_t ZBDate::get_time_t() const
 
 std::int64_t ZBDate::to_micros() const
 {
-    std::int64_t days = days_before_year(m_year) + m_day;
+    std::int64_t days = ZBDateUtils::days_before_year(m_year) + m_day;
     return (days * C_DaySecs + m_second) * std::int64_t(C_MicroSecs) + m_micro;
 }
 
 void ZBDate::from_micros(std::int64_t micros, int zone)
 {
-    m_year = 1970;
     std::int64_t seconds = micros / C_MicroSecs;
     std::int64_t micro = micros % C_MicroSecs;
     if (micro < 0) {
@@ -144,20 +139,49 @@ void ZBDate::from_micros(std::int64_t micros, int zone)
         second += C_DaySecs;
         days -= 1;
     }
-    // Jump by 400-year cycles (146097 days) before walking years.
-    std::int64_t cycles = days / 146097;
-    days -= cycles * 146097;
-    if (days < 0) {
-        days += 146097;
-        cycles -= 1;
+    // Estimate the year from the mean year length, then settle it.
+    std::int64_t year = 1970 + (days * 400) / 146097;
+    if (days < 0)
+        year -= 1;
+    std::int64_t dayOfYear = days - ZBDateUtils::days_before_year(int(year));
+    while (dayOfYear < 0) {
+        year -= 1;
+        dayOfYear += ZBDateUtils::days_in_year(int(year));
     }
-    m_year = int(1970 + cycles * 400);
-    m_day = int(days);
+    while (dayOfYear >= ZBDateUtils::days_in_year(int(year))) {
+        dayOfYear -= ZBDateUtils::days_in_year(int(year));
+        year += 1;
+    }
+    m_year = int(year);
+    m_day = int(dayOfYear);
     m_second = int(second);
     m_micro = int(micro);
     m_timeZone = 0;
-    recalculate();
     set_timezone(zone);
+}
+
+ZBDuration ZBDate::get_duration() const
+{
+    return *this - ZBDate(E_Zero);
+}
+
+std::int64_t ZBDate::to_id() const
+{
+    if (is_blank())
+        return INT64_MAX;
+    if (is_invalid())
+        return INT64_MAX - 1;
+    return to_micros();
+}
+
+void ZBDate::from_id(std::int64_t id, int zone)
+{
+    if (id == INT64_MAX)
+        set_blank();
+    else if (id == INT64_MAX - 1)
+        set_invalid();
+    else
+        from_micros(id, zone);
 }
 
 void ZBDate::set_timezone(int zone)
@@ -215,6 +239,141 @@ bool ZBDate::from_string(const std::string& text, const ZBDate*, const ZBRepeatC
     in >> date;
     *this = date;
     return is_ok();
+}
+
+namespace {
+
+void replace_all(std::string& text, const char* code, const std::string& with)
+{
+    size_t length = std::char_traits<char>::length(code);
+    for (size_t pos = text.find(code); pos != std::string::npos; pos = text.find(code, pos + with.size()))
+        text.replace(pos, length, with);
+}
+
+std::string printed(const char* format, long value)
+{
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, format, value);
+    return buffer;
+}
+
+// Which of the "smart" forms fits: a date near today says less.
+enum SmartCase { E_OtherYear, E_OtherWeek, E_Today, E_ThisWeek };
+
+SmartCase smart_case(const ZBDateDetails& date)
+{
+    ZBDateDetails today(ZBDateUtils::now(), date.m_timeZone);
+    bool lateDecember = today.m_month == 11 && today.m_dayMonth > 24;
+    if (date.m_year != today.m_year || date.m_weekYear == 0 || lateDecember)
+        return E_OtherYear;
+    if (date.m_weekYear != today.m_weekYear)
+        return E_OtherWeek;
+    return date.m_dayYear == today.m_dayYear ? E_Today : E_ThisWeek;
+}
+
+} // namespace
+
+std::string ZBDate::to_string(const std::string& format) const
+{
+    if (!is_ok())
+        return std::string();
+    const ZBLocale& locale = zblocale();
+    std::string text = format.empty() ? locale.date_format() : format;
+    if (text.find('%') == std::string::npos)
+        return text;
+    ZBDateDetails d(*this, C_OriginalTime);
+
+    bool noZone = text.find("%N") != std::string::npos;
+    if (noZone)
+        replace_all(text, "%N", "");
+    const std::string longDay = locale.day_format(false);
+    const std::string shortDay = locale.day_format(true);
+    replace_all(text, "%D", longDay);
+    replace_all(text, "%E", longDay + " " + locale.time_format(true));
+    replace_all(text, "%T", locale.time_format(true));
+
+    bool smart = text.find("%F") != std::string::npos || text.find("%C") != std::string::npos
+        || text.find("%c") != std::string::npos || text.find("%O") != std::string::npos;
+    if (smart) {
+        SmartCase which = smart_case(d);
+        std::string fText;
+        std::string cText;
+        std::string oText;
+        switch (which) {
+        case E_OtherWeek:
+            fText = "%a " + shortDay;
+            cText = shortDay;
+            oText = shortDay;
+            break;
+        case E_Today:
+            fText = "%a";
+            cText = "%a";
+            oText = locale.time_format(false);
+            break;
+        case E_ThisWeek:
+            fText = "%a";
+            cText = "%a";
+            oText = "%a " + locale.time_format(false);
+            break;
+        case E_OtherYear:
+            fText = "%a " + longDay;
+            cText = longDay;
+            oText = longDay;
+            break;
+        }
+        replace_all(text, "%F", fText);
+        replace_all(text, "%C", fText.empty() ? std::string("%t") : fText + " %t");
+        // %t and %i come below, after %C has put its %t in.
+        replace_all(text, "%t", (d.m_second == 0 && d.m_micro == 0) ? locale.time_format(false) : locale.time_format(true));
+        replace_all(text, "%i", locale.time_format(false));
+        replace_all(text, "%c", cText);
+        replace_all(text, "%O", oText);
+    } else {
+        replace_all(text, "%t", (d.m_second == 0 && d.m_micro == 0) ? locale.time_format(false) : locale.time_format(true));
+        replace_all(text, "%i", locale.time_format(false));
+    }
+
+    replace_all(text, "%a", locale.weekday_name(d.m_dayWeek, false));
+    replace_all(text, "%A", locale.weekday_name(d.m_dayWeek, true));
+    replace_all(text, "%b", locale.month_name(d.m_month, false));
+    replace_all(text, "%B", locale.month_name(d.m_month, true));
+    replace_all(text, "%d", printed("%02ld", d.m_dayMonth + 1));
+    replace_all(text, "%e", printed("%2ld", d.m_dayMonth + 1));
+    replace_all(text, "%H", printed("%02ld", d.m_hour));
+    replace_all(text, "%k", printed("%02ld", d.m_hour));
+    int hour12 = d.m_hour % 12 == 0 ? 12 : d.m_hour % 12;
+    replace_all(text, "%I", printed("%02ld", hour12));
+    replace_all(text, "%l", printed("%2ld", hour12));
+    replace_all(text, "%j", printed("%03ld", d.m_dayYear + 1));
+    replace_all(text, "%m", printed("%02ld", d.m_month + 1));
+    replace_all(text, "%M", printed("%02ld", d.m_minute));
+    replace_all(text, "%n", "\n");
+    replace_all(text, "%p", d.m_hour < 12 ? "AM" : "PM");
+    replace_all(text, "%P", d.m_hour < 12 ? "am" : "pm");
+    if (text.find("%s") != std::string::npos)
+        replace_all(text, "%s", printed("%ld", long(get_time_t())));
+    replace_all(text, "%S", printed("%02ld", d.m_second));
+    if (text.find("%U") != std::string::npos) {
+        char buffer[32];
+        std::snprintf(buffer, sizeof buffer, "%02d.%06d", d.m_second, d.m_micro);
+        replace_all(text, "%U", buffer);
+    }
+    replace_all(text, "%u", printed("%ld", (d.m_dayWeek + 6) % 7));
+    replace_all(text, "%w", printed("%ld", d.m_dayWeek));
+    replace_all(text, "%W", printed("%03ld", d.m_weekYear));
+    replace_all(text, "%y", printed("%02ld", ((d.m_year % 100) + 100) % 100));
+    replace_all(text, "%Y", printed("%04ld", d.m_year));
+    if (text.find("%z") != std::string::npos) {
+        if (noZone || ZBDateUtils::date_is_local(*this)) {
+            replace_all(text, " %z", "");
+            replace_all(text, "%z", "");
+        } else {
+            replace_all(text, "%z", ZBDateUtils::zone_to_string(m_timeZone));
+        }
+    }
+    if (!noZone)
+        replace_all(text, "%Z", ZBDateUtils::zone_to_string(m_timeZone));
+    return text;
 }
 
 std::string ZBDate::to_iso() const

@@ -18,28 +18,28 @@ class ZBDate {
 public:
     enum E_DateInit { E_Invalid = 0, E_Zero = 1, E_Blank = 2 };
 
-    static const int C_BlankDateYear = 9999;
-    static const int C_InvalidDateYear = 9998;
-    static const int C_InvalidYear = -99999;
-    static const int C_MinSecs = 60;
-    static const int C_HourSecs = 3600;
-    static const int C_DaySecs = 86400;
-    static const int C_WeekSecs = 604800;
-    static const int C_HourMins = 60;
-    static const int C_DayHours = 24;
-    static const int C_WeekDays = 7;
-    static const int C_YearMonths = 12;
-    static const int C_MicroSecs = 1000000;
+    static constexpr int C_BlankDateYear = 9999;
+    static constexpr int C_InvalidDateYear = 9998;
+    static constexpr int C_InvalidYear = -99999;
+    static constexpr int C_MinSecs = 60;
+    static constexpr int C_HourSecs = 3600;
+    static constexpr int C_DaySecs = 86400;
+    static constexpr int C_WeekSecs = 604800;
+    static constexpr int C_HourMins = 60;
+    static constexpr int C_DayHours = 24;
+    static constexpr int C_WeekDays = 7;
+    static constexpr int C_YearMonths = 12;
+    static constexpr int C_MicroSecs = 1000000;
     static const int C_DaysInMonth[12];
     static const int C_DaysInMonthL[12];
 
     // Zones: twice the standard offset east of GMT, plus or minus one for DST.
-    static const int C_ZoneMin = -86400;
-    static const int C_ZoneMax = 86400;
-    static const int C_GMT = 0;
-    static const int C_LocalTime = 90000;
-    static const int C_OriginalTime = 90001;
-    static const int C_DefaultTime = 90002;
+    static constexpr int C_ZoneMin = -86400;
+    static constexpr int C_ZoneMax = 86400;
+    static constexpr int C_GMT = 0;
+    static constexpr int C_LocalTime = 90000;
+    static constexpr int C_OriginalTime = 90001;
+    static constexpr int C_DefaultTime = 90002;
 
     static const ZBDate C_Blank;
     static const ZBDate C_Invalid;
@@ -48,6 +48,7 @@ public:
     explicit ZBDate(E_DateInit init);
     ZBDate(int year, int dayOfYear, int secondOfDay, int micro, int zone);
     ZBDate(int year, int month, int day, int hour, int minute, int second, int micro, int zone);
+    explicit ZBDate(const std::string& text, const ZBDate* relative = nullptr, const ZBRepeatConfig* config = nullptr);
     virtual ~ZBDate() = default;
 
     bool is_zero() const;
@@ -73,6 +74,11 @@ public:
     void set_micro(int micro) { m_micro = micro; }
     int get_timezone() const { return m_timeZone; }
     void set_timezone(int zone);
+    // The time since the zero date (year 0), so that zero + get_duration() is this moment.
+    ZBDuration get_duration() const;
+    // A number that sorts as the dates do (blank and invalid last); the zone is not part of it.
+    std::int64_t to_id() const;
+    void from_id(std::int64_t id, int zone);
 
     void set_latest(const ZBDate& other);
     void set_earliest(const ZBDate& other);
@@ -81,6 +87,10 @@ public:
 
     // Parsing of date text lives with the date parser; until then this reads the stored form only.
     bool from_string(const std::string& text, const ZBDate* relative = nullptr, const ZBRepeatConfig* config = nullptr);
+    // The format codes of the locale's formats ("%a %d/%b/%Y %H:%M" and the like),
+    // shown in the date's own zone; blank and invalid dates give an empty text.
+    // An empty format means the locale's date format.
+    std::string to_string(const std::string& format = std::string()) const;
     // ISO 8601 in UTC, "2026-03-09T08:00:00Z" (with ".uuuuuu" when there are microseconds).
     std::string to_iso() const;
 

@@ -1,12 +1,17 @@
 #pragma once
 
 #include "LibDate/date/zbdate.h"
+#include "LibDate/date/zbdateslot.h"
 
 #include <string>
 
 namespace Tervalon {
 
-// Stateless date helpers. now() can be fixed for tests and scripted runs.
+class ZBRepeatConfig;
+
+// Stateless date helpers: the clock, the calendar tables, zones and the
+// start and end of days, weeks, months and years. now() can be fixed for
+// tests and scripted runs.
 class ZBDateUtils {
 public:
     static ZBDate now();
@@ -18,6 +23,9 @@ public:
     static ZBDate blank_date() { return ZBDate(ZBDate::E_Blank); }
     static ZBDate invalid_date() { return ZBDate(ZBDate::E_Invalid); }
     static ZBDate zero_date() { return ZBDate(ZBDate::E_Zero); }
+    static ZBDate read_date(const std::string& text, const ZBDate* relative = nullptr,
+                            const ZBRepeatConfig* config = nullptr);
+    static ZBDuration read_duration(const std::string& text);
 
     static bool is_leap_year(int year);
     static int days_in_year(int year);
@@ -25,17 +33,45 @@ public:
     // Month and day may lie outside their ranges; both carry.
     static void calc_yearday(int year, int month, int day, int& outYear, int& outDay);
     static void breakdown_yearday(int day, int year, int& outYear, int& outMonth, int& outDay);
+    // Days from 1 January 1970 to 1 January of the year.
+    static std::int64_t days_before_year(int year);
 
     static int zone_to_seconds(int zone, bool withDST);
     static int seconds_to_zone(int seconds, bool isDST, bool adjust);
     static int set_dst_flag(int zone, bool flag);
     static bool zones_equivalent(int a, int b);
     static bool zone_is_dst(int zone);
+    static bool is_fixed_zone(int zone) { return zone >= ZBDate::C_ZoneMin && zone <= ZBDate::C_ZoneMax; }
+    // Whether noon of the day (month and day from 0) is in summer time where
+    // the machine is. Answers are cached per thread and per TZ setting.
     static bool date_is_dst(int day, int month, int year);
-    // The machine's zone for a moment, with its DST flag.
+    static bool date_is_local(const ZBDate& date);
+    static bool local_is_dst();
+    // The machine's standard zone, without the DST flag.
+    static int local_standard_zone();
+    // The machine's zone for a moment, with the DST flag of that local day.
     static int local_zone_at(const ZBDate& date);
     // Resolves the three symbolic zones to a fixed one for the given date.
     static int expand_timezone(int zone, const ZBDate& date);
+    static std::string zone_to_string(int zone, int keepZone = ZBDate::C_GMT);
+
+    // All in the date's own zone; a date that is not ok comes back unchanged.
+    static ZBDate round_hour(const ZBDate& date);
+    static ZBDate round_minute(const ZBDate& date);
+    static ZBDate start_day(const ZBDate& date);
+    static ZBDate end_day(const ZBDate& date);
+    static ZBDateSlot day_slot(const ZBDate& date);
+    static ZBDate start_week(const ZBDate& date);
+    static ZBDate end_week(const ZBDate& date);
+    static ZBDateSlot week_slot(const ZBDate& date);
+    static ZBDate start_month(const ZBDate& date);
+    static ZBDate end_month(const ZBDate& date);
+    static ZBDateSlot month_slot(const ZBDate& date);
+    static ZBDate start_year(const ZBDate& date);
+    static ZBDate end_year(const ZBDate& date);
+    static ZBDateSlot year_slot(const ZBDate& date);
+    // Zone 0 with the old zone's clock time, as if that time were GMT.
+    static ZBDate ignore_zone(const ZBDate& date);
 };
 
 } // namespace Tervalon

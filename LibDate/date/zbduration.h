@@ -22,7 +22,20 @@ public:
     std::int64_t get_as_seconds() const;
     double get_as_dseconds() const;
     double get_as_days() const;
+    // Rounded to the nearest whole hour.
+    std::int64_t get_as_hours() const;
+    void get_breakdown(std::int64_t& days, int& hours, int& minutes, int& seconds, int& micro) const;
     bool is_zero() const { return m_days == 0 && m_seconds == 0 && m_micro == 0; }
+    bool is_negative() const { return m_days < 0 || m_seconds < 0 || m_micro < 0; }
+
+    // Total hours including the days: "HH:MM", "HH:MM:SS" or "HH:MM:SS.uuuuuu".
+    std::string to_string(bool withSeconds = false) const;
+    // The same with a leading day count ("1 day ", "3 days ") and the hours within the day.
+    std::string to_string_day(bool withSeconds = false) const;
+    // Number and unit pairs ("1h 30m", "1:30", "1.5h", "2d"); a day is the
+    // locale's working day. Text with nothing usable gives defaultDays days.
+    // A unit letter other than D, H, M, S, U is an error.
+    int from_string(const std::string& text, std::int64_t defaultDays = 0);
 
     bool operator==(const ZBDuration& other) const;
     bool operator!=(const ZBDuration& other) const { return !(*this == other); }
@@ -35,6 +48,16 @@ public:
     ZBDuration& operator+=(const ZBDuration& other);
     ZBDuration& operator-=(const ZBDuration& other);
     ZBDuration operator-() const;
+    ZBDuration operator*(double factor) const;
+    // 0 when the divisor is zero.
+    double operator/(const ZBDuration& divisor) const;
+
+    bool operator==(std::int64_t seconds) const { return *this == ZBDuration(seconds); }
+    bool operator!=(std::int64_t seconds) const { return *this != ZBDuration(seconds); }
+    bool operator<(std::int64_t seconds) const { return *this < ZBDuration(seconds); }
+    bool operator>(std::int64_t seconds) const { return *this > ZBDuration(seconds); }
+    bool operator<=(std::int64_t seconds) const { return *this <= ZBDuration(seconds); }
+    bool operator>=(std::int64_t seconds) const { return *this >= ZBDuration(seconds); }
 
     virtual void dump(std::ostream& out, int indent) const;
 

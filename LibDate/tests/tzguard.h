@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
+namespace Tervalon {
+namespace Test {
+
+// Sets TZ for one test and puts the old value back, so tests in other zones
+// do not leak into the rest of the run.
+class TzGuard {
+public:
+    explicit TzGuard(const char* zone)
+    {
+        const char* old = std::getenv("TZ");
+        m_had = old != nullptr;
+        if (old)
+            m_old = old;
+        setenv("TZ", zone, 1);
+        tzset();
+    }
+    ~TzGuard()
+    {
+        if (m_had)
+            setenv("TZ", m_old.c_str(), 1);
+        else
+            unsetenv("TZ");
+        tzset();
+    }
+
+private:
+    bool m_had = false;
+    std::string m_old;
+};
+
+} // namespace Test
+} // namespace Tervalon
