@@ -24,6 +24,8 @@ int CliCommand::report_failure(CliContext& context, int value)
     }
     context.err << "tervalon: " << text << std::endl;
     int severity = top ? top->get_severity() : ZBErrDetails::compute_severity(value);
+    // Handled here: the error log gets the record, then it is done with.
+    error.handle_error(false, true);
     error.clear_all();
     // Failures of the user's input (a file, a text) are user errors; only a
     // failure of the program itself is internal.

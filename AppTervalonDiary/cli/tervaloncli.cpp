@@ -5,6 +5,7 @@
 #include "AppTervalonDiary/cli/cmdrewrite.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
+#include "LibCore/param/zbparam.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -52,6 +53,10 @@ void TervalonCli::print_usage(std::ostream& out) const
 
 void TervalonCli::print_version(std::ostream& out)
 {
+    if (has_zbparam()) {
+        zbparam().display_version(out);
+        return;
+    }
     out << "tervalon (" << AppDiaryInfo::C_Title << ") " << AppDiaryInfo::C_Release << "\n"
         << "  Build Tag:  " << AppDiaryInfo::C_Tag << "\n"
         << "  Build Date: " << AppDiaryInfo::C_Date << std::endl;

@@ -1,5 +1,7 @@
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibDatabase/db/zbdatabase.h"
+#include "LibCore/error/zberror.h"
+#include "LibCore/error/zberrhandlerlogfile.h"
 
 namespace Tervalon {
 
@@ -19,6 +21,16 @@ std::unique_ptr<ZBApplication> AppDiaryInfo::make_application(int argc, char** a
     return std::unique_ptr<ZBApplication>(new ZBApplication(
         argc, argv, C_Application, C_Title, C_Extension, C_Release, C_Tag, C_Date, C_Description, C_Company, C_Domain,
         "Copyright (c) Tervalon", "The Tervalon developers", ":/images/logo.png", "", "", ""));
+}
+
+void AppDiaryInfo::setup_cli_errors(ZBApplication& app)
+{
+    set_zberror(new ZBError(app.get_application(), app.get_release(), app.get_company()));
+    ZBError& error = get_zberror();
+    error.set_stream(nullptr, ZBErrSev_All);
+    error.set_action(ZBError::E_ActionReturn, ZBErrSev_All);
+    error.set_errorui(false);
+    error.add_handler(new ZBErrHandlerLogfile(app.get_error_log(), false, false, true, true));
 }
 
 ZBDatabase* AppDiaryInfo::make_database()

@@ -26,6 +26,9 @@ public:
 
     // A plain application object with the diary's identity, for programs without a window.
     static std::unique_ptr<ZBApplication> make_application(int argc, char** argv);
+    // Errors of a program without a window: no dialog and no echo as they are
+    // reported; the error log gets each record when it is handled.
+    static void setup_cli_errors(ZBApplication& app);
     // The database class of a diary file, expecting the diary's application type.
     static ZBDatabase* make_database();
 };

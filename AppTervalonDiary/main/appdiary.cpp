@@ -3,8 +3,13 @@
 #include "LibDatabase/qt/zbdbmanagerqt.h"
 #include "LibDatabase/db/zbdatabase.h"
 #include "LibCore/error/zberror.h"
+#include "LibCore/param/zbparam.h"
+#include "LibCore/param/zbparamcmdline.h"
 
 #include <QDir>
+
+#include <iostream>
+#include <memory>
 
 namespace Tervalon {
 
@@ -23,6 +28,36 @@ AppDiary::AppDiary(ZBQtApp& qtApp, int argc, char** argv)
 }
 
 AppDiary::~AppDiary() = default;
+
+int AppDiary::early_options(int argc, char** argv)
+{
+    std::unique_ptr<ZBApplication> info = AppDiaryInfo::make_application(argc, argv);
+    // Mistakes in the options are told once, by the parameter store, with the usage.
+    get_zberror().set_stream(nullptr, ZBErrSev_All);
+    int result = ZBErrC_ok;
+    {
+        ZBParam* param = new ZBParam(argc, argv, AppDiaryInfo::C_Application, AppDiaryInfo::C_Release,
+                                     AppDiaryInfo::C_Description, AppDiaryInfo::C_Company, "The Tervalon developers",
+                                     AppDiaryInfo::C_Date, info->get_release_tag(), AppDiaryInfo::C_Tag);
+        set_zbparam(param);
+        param->get_commandline().add_value("file", "The diary file to open; it is made if it does not exist.");
+        param->add_config_file(param->default_user_config());
+        get_zberror().clear_all();
+        result = param->parse(std::cout);
+    }
+    int status = zbparam().get_exit_status();
+    get_zberror().clear_all();
+    if (status < 0 && iszbwarn(result))
+        status = 1;
+    return status;
+}
+
+int AppDiary::parameters(ZBParam&, ZBParamCmdLine* cmdLine, ZBParamFile*)
+{
+    if (cmdLine)
+        cmdLine->add_value("file", "The diary file to open; it is made if it does not exist.");
+    return ZBErrC_ok;
+}
 
 int AppDiary::run()
 {

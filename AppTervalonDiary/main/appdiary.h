@@ -16,7 +16,10 @@ public:
     AppDiary(ZBQtApp& qtApp, int argc, char** argv);
     ~AppDiary() override;
 
+    // Reads the command line before any window exists: -1 to go on, else the exit status.
+    static int early_options(int argc, char** argv);
     int run() override;
+    int parameters(ZBParam& param, ZBParamCmdLine* cmdLine, ZBParamFile* file) override;
     const std::string& get_diary_file() const { return m_diaryDB; }
 
 private:

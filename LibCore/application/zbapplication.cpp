@@ -1,5 +1,7 @@
 #include "LibCore/application/zbapplication.h"
 #include "LibCore/error/zberror.h"
+#include "LibCore/error/zberrhandlerlogfile.h"
+#include "LibCore/error/zberrhandlerstream.h"
 #include "LibCore/param/zbparam.h"
 #include "LibDate/date/zbdateutils.h"
 
@@ -9,6 +11,7 @@
 #include <QHostInfo>
 #include <QStandardPaths>
 
+#include <iostream>
 #include <ostream>
 #include <sstream>
 
@@ -66,12 +69,11 @@ ZBApplication::ZBApplication(int argc, char** argv, const std::string& applicati
 {
     if (argc > 0 && argv && argv[0])
         m_executable = QFileInfo(QString::fromLocal8Bit(argv[0])).absoluteFilePath().toStdString();
-    if (QCoreApplication::instance()) {
-        QCoreApplication::setOrganizationName(QString::fromStdString(company));
-        QCoreApplication::setOrganizationDomain(QString::fromStdString(domain));
-        QCoreApplication::setApplicationName(QString::fromStdString(application));
-        QCoreApplication::setApplicationVersion(QString::fromStdString(release));
-    }
+    // The standard locations (and so the parameter file) follow these names.
+    QCoreApplication::setOrganizationName(QString::fromStdString(company));
+    QCoreApplication::setOrganizationDomain(QString::fromStdString(domain));
+    QCoreApplication::setApplicationName(QString::fromStdString(application));
+    QCoreApplication::setApplicationVersion(QString::fromStdString(release));
     g_application = this;
 }
 
@@ -106,12 +108,23 @@ int ZBApplication::parameters(ZBParam&, ZBParamCmdLine*, ZBParamFile*)
 int ZBApplication::setup_error()
 {
     set_zberror(new ZBError(m_application, m_release, m_company));
-    QDir().mkpath(QString::fromStdString(get_config_dir()));
     QDir().mkpath(QString::fromStdString(get_cache_dir()));
+    // The error log sees each record once, when it is finally handled.
+    get_zberror().add_handler(new ZBErrHandlerLogfile(get_error_log(), false, false, true, true));
+    get_zberror().add_handler(new ZBErrHandlerStream(&std::cerr, false, true, true, true));
+    QDir().mkpath(QString::fromStdString(get_config_dir()));
     return ZBErrC_ok;
 }
 
 int ZBApplication::setup_parameters()
+{
+    // Options already read (before a window could be made) are not read again.
+    if (has_zbparam() && zbparam().get_program_name() == m_application)
+        return ZBErrC_ok;
+    return read_parameters(std::cout);
+}
+
+int ZBApplication::read_parameters(std::ostream& out)
 {
     QDir().mkpath(QString::fromStdString(get_config_dir()));
     ZBParam* param = new ZBParam(m_argc, m_argv, m_application, m_release, m_description, m_company, m_authors, m_date,
@@ -120,7 +133,15 @@ int ZBApplication::setup_parameters()
     int result = param->add_config_file(param->default_user_config());
     if (iszbwarn(result))
         handle_last_warning(result); // The defaults stand in for a damaged file.
-    return parameters(*param, nullptr, nullptr);
+    result = parameters(*param, &param->get_commandline(), nullptr);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    result = param->parse(out);
+    if (param->get_exit_status() == 0)
+        return ZBErrC_okShutdown;
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 // ---------------------------------------------------------------- directories

@@ -36,6 +36,9 @@ public:
     virtual int parameters(ZBParam& param, ZBParamCmdLine* cmdLine, ZBParamFile* file);
     virtual int setup_error();
     virtual int setup_parameters();
+    // Makes the parameter store, reads the user's file and the command line;
+    // ZBErrC_okShutdown after --help and the like, whose text goes to out.
+    int read_parameters(std::ostream& out);
 
     const std::string& get_application() const { return m_application; }
     const std::string& get_title() const { return m_title; }

@@ -2,6 +2,7 @@
 #include "LibDatabase/qt/zbdbmanagerqt.h"
 #include "LibDatabase/db/zbdatabase.h"
 #include "LibGui/qt/zbqtapp.h"
+#include "LibGui/qt/zberrorqt.h"
 #include "LibCore/error/zberror.h"
 #include "LibDate/date/zblocale.h"
 
@@ -50,7 +51,7 @@ int ZBApplicationQt::start()
 int ZBApplicationQt::setup_error()
 {
     int result = ZBApplication::setup_error();
-    get_zberror().set_errorui(true);
+    ZBErrorQt::install();
     return result;
 }
 

@@ -17,23 +17,8 @@ ZBQtApp::~ZBQtApp() = default;
 
 int ZBQtApp::pre_setup(int argc, char** argv)
 {
-    for (int i = 1; i < argc; ++i) {
-        const char* arg = argv[i];
-        if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-help") == 0 || std::strcmp(arg, "-h") == 0) {
-            std::cout << "Usage: tervalon-diary [FILE]\n\n"
-                      << "Opens the diary FILE in a window, creating it if it does not exist.\n"
-                      << "Without FILE, opens the diary used last.\n\n"
-                      << "System options:\n"
-                      << "  --help     Display this help page.\n"
-                      << "  --version  Output the program version information.\n\n"
-                      << "Without a display, use the command-line program: tervalon --help\n";
-            return 0;
-        }
-        if (std::strcmp(arg, "--version") == 0 || std::strcmp(arg, "-version") == 0) {
-            std::cout << "tervalon-diary " << (has_zbapplication() ? zbapplication().get_release() : std::string("4.5.00")) << "\n";
-            return 0;
-        }
-    }
+    (void)argc;
+    (void)argv;
     const char* platform = std::getenv("QT_QPA_PLATFORM");
     bool headless = platform && (std::strcmp(platform, "offscreen") == 0 || std::strcmp(platform, "minimal") == 0);
     if (!headless && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY")) {

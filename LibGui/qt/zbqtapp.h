@@ -13,8 +13,8 @@ public:
     ZBQtApp(int& argc, char** argv);
     ~ZBQtApp() override;
 
-    // Runs before the QApplication exists: answers --help and --version, which
-    // need no display, and tells a user without a display what to do instead.
+    // Runs before the QApplication exists: tells a user without a display what
+    // to do instead of failing inside the window system.
     // Returns -1 to go on, or the exit status to end with.
     static int pre_setup(int argc, char** argv);
 

@@ -6,45 +6,6 @@
 
 namespace Tervalon {
 
-std::string zb_stream_out(const std::string& text)
-{
-    std::string out;
-    out.reserve(text.size() + 8);
-    for (char c : text) {
-        switch (c) {
-        case '\n':
-            out += "\\n";
-            break;
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\r':
-        case '\0':
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
-
-std::string zb_stream_in(const std::string& text)
-{
-    std::string out;
-    out.reserve(text.size());
-    const size_t n = text.size();
-    for (size_t i = 0; i < n; ++i) {
-        char c = text[i];
-        if (c != '\\' || i + 1 == n) {
-            out += c;
-            continue;
-        }
-        char next = text[++i];
-        out += next == 'n' ? '\n' : next;
-    }
-    return out;
-}
-
 bool zb_read_line(std::istream& in, std::string& line)
 {
     if (!std::getline(in, line))

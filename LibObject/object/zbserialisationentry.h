@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LibCore/textstr/zbtextstr.h"
+
 #include <iosfwd>
 #include <string>
 
@@ -34,11 +36,6 @@ public:
     std::string m_value;
 };
 
-// The line escaper: a line feed becomes "\n", a backslash two backslashes;
-// carriage returns and NULs are dropped.
-std::string zb_stream_out(const std::string& text);
-// The reverse: "\n" is a line feed, "\x" is x, a lone backslash at the end stays.
-std::string zb_stream_in(const std::string& text);
 // Reads one line with every CR and LF removed; false at the end of the stream.
 bool zb_read_line(std::istream& in, std::string& line);
 // Writes a raw data line, with the extra backslash where the line would otherwise

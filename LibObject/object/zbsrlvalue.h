@@ -2,6 +2,7 @@
 
 #include "LibObject/object/zbsrl.h"
 #include "LibCore/error/zberror.h"
+#include "LibCore/textstr/zbtextstr.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -15,21 +16,6 @@
 
 namespace Tervalon {
 
-namespace zbsrl_detail {
-
-// Shortest text that reads back to the same double.
-inline std::string double_text(double value)
-{
-    char buffer[40];
-    for (int digits = 15; digits <= 17; ++digits) {
-        std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
-        if (std::strtod(buffer, nullptr) == value)
-            break;
-    }
-    return buffer;
-}
-
-} // namespace zbsrl_detail
 
 // Binds one value with a default and a precision. A value equal to its default
 // takes no line in the file. Doubles keep every digit they need to read back
@@ -55,7 +41,7 @@ public:
             if (m_precision > 0)
                 out << std::fixed << std::setprecision(m_precision) << m_value;
             else
-                out << zbsrl_detail::double_text(double(m_value));
+                out << zb_double_to_string(double(m_value));
         } else {
             out << m_value;
         }
@@ -94,7 +80,7 @@ public:
             return ZBErrC_ok;
         } else if constexpr (std::is_floating_point<T>::value) {
             if (m_precision <= 0) {
-                text = zbsrl_detail::double_text(double(m_value));
+                text = zb_double_to_string(double(m_value));
                 return ZBErrC_ok;
             }
             return ZBSrl::write_text(text, index);

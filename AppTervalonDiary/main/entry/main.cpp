@@ -5,7 +5,11 @@
 
 int main(int argc, char** argv)
 {
-    int early = Tervalon::ZBQtApp::pre_setup(argc, argv);
+    // --help and --version need no display: answer them before the window system is asked for.
+    int early = Tervalon::AppDiary::early_options(argc, argv);
+    if (early >= 0)
+        return early;
+    early = Tervalon::ZBQtApp::pre_setup(argc, argv);
     if (early >= 0)
         return early;
     Tervalon::ZBQtApp qtApp(argc, argv);
