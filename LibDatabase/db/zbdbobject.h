@@ -5,6 +5,7 @@
 #include "LibDatabase/db/zbdbobjectlink.h"
 #include "LibDatabase/db/zblockable.h"
 #include "LibDatabase/db/zbdbcontainerbase.h"
+#include "LibDatabase/db/zbdbscript.h"
 #include "LibDate/date/zbdate.h"
 
 #include <memory>
@@ -14,7 +15,6 @@
 namespace Tervalon {
 
 class ZBDatabase;
-class ZBDBScript;
 
 // An identified node of a database's tree: its id, state, parent, the tags of
 // the container that holds it and of its role there, links, spec and variables,
