@@ -3,6 +3,7 @@
 #include "LibCore/error/zberror.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace Tervalon {
@@ -15,6 +16,9 @@ template <class T>
 class ZBPtrArray {
 public:
     using CompareFn = int (*)(const T&, const T&);
+    // From this many elements in the range the sort keeps its sorted tail in
+    // blocks, so that an insertion moves one block rather than the whole tail.
+    static const int C_BlockSortMin = 1024;
 
     ZBPtrArray() = default;
     explicit ZBPtrArray(bool managed) : m_managed(managed) {}
@@ -79,15 +83,15 @@ public:
     T* first() const { return m_data.empty() ? nullptr : m_data.front(); }
     T* last() const { return m_data.empty() ? nullptr : m_data.back(); }
 
-    void push_back(T* element) { m_data.push_back(element); }
+    virtual void push_back(T* element) { m_data.push_back(element); }
     ZBPtrArray& operator+=(T* element)
     {
-        m_data.push_back(element);
+        push_back(element);
         return *this;
     }
 
     // Inserting at size() appends.
-    int insert(int index, T* element)
+    virtual int insert(int index, T* element)
     {
         if (iszbwarn(check_bounds(index, 1)))
             return zbpass(ZBLOC);
@@ -95,7 +99,7 @@ public:
         return ZBErrC_ok;
     }
 
-    int remove(int index)
+    virtual int remove(int index)
     {
         if (iszbwarn(check_bounds(index, 0)))
             return zbpass(ZBLOC);
@@ -168,6 +172,8 @@ public:
             last = int(m_data.size()) - 1;
         if (last <= first)
             return ZBErrC_ok;
+        if (last - first + 1 >= C_BlockSortMin)
+            return sort_blocks(compare, first, last);
         for (int i = last - 1; i >= first; --i) {
             T* e = m_data[size_t(i)];
             int lo = i + 1;
@@ -203,6 +209,73 @@ public:
 protected:
     std::vector<T*> m_data;
     bool m_managed = true;
+
+private:
+    // The same search as the plain loop, probe for probe, so that the order of
+    // the result is the same for every compare function, even one that is not
+    // a consistent ordering. Only the storage of the sorted tail differs: it is
+    // held in blocks of about sqrt(n) elements, which turns the quadratic
+    // shifting of a long tail into short moves inside one block.
+    int sort_blocks(CompareFn compare, int first, int last)
+    {
+        const size_t n = size_t(last - first + 1);
+        const size_t blockMax = 2 * std::max<size_t>(32, size_t(std::sqrt(double(n))));
+        std::vector<std::vector<T*>> blocks(1);
+        std::vector<int> starts(1, 0);
+        blocks[0].reserve(blockMax + 1);
+        blocks[0].push_back(m_data[size_t(last)]);
+        auto block_of = [&](int j) { return size_t(std::upper_bound(starts.begin(), starts.end(), j) - starts.begin()) - 1; };
+        auto element = [&](int j) {
+            const size_t b = block_of(j);
+            return blocks[b][size_t(j - starts[b])];
+        };
+        auto insert_at = [&](int j, T* e) {
+            const size_t b = block_of(j);
+            std::vector<T*>& block = blocks[b];
+            block.insert(block.begin() + (j - starts[b]), e);
+            for (size_t k = b + 1; k < starts.size(); ++k)
+                ++starts[k];
+            if (block.size() > blockMax) {
+                const size_t half = block.size() / 2;
+                std::vector<T*> tail;
+                tail.reserve(blockMax + 1);
+                tail.assign(block.begin() + long(half), block.end());
+                block.resize(half);
+                blocks.insert(blocks.begin() + long(b) + 1, std::move(tail));
+                starts.insert(starts.begin() + long(b) + 1, starts[b] + int(half));
+            }
+        };
+        // The tail that is sorted so far starts at array position i + 1: array
+        // position p is tail index p - i - 1.
+        for (int i = last - 1; i >= first; --i) {
+            T* e = m_data[size_t(i)];
+            int lo = i + 1;
+            int hi = last + 1;
+            int mid = lo;
+            bool place = false;
+            for (;;) {
+                mid = (lo + hi) / 2;
+                if (compare(*element(mid - i - 1), *e)) {
+                    if (lo >= mid)
+                        break;
+                    hi = mid;
+                } else {
+                    if (hi - mid < 2) {
+                        place = true;
+                        break;
+                    }
+                    lo = mid;
+                }
+            }
+            // Placed, e follows the mid - i elements in front of it; otherwise it stays in front.
+            insert_at(place ? mid - i : 0, e);
+        }
+        size_t out = size_t(first);
+        for (const std::vector<T*>& block : blocks)
+            for (T* e : block)
+                m_data[out++] = e;
+        return ZBErrC_ok;
+    }
 };
 
 } // namespace Tervalon

@@ -74,14 +74,25 @@ public:
         return index < 0 ? nullptr : extract(index);
     }
 
-    int remove(int index)
+    int remove(int index) override
     {
-        T* element = extract(index);
-        if (!element && iszbwarn(-1))
+        if (iszbwarn(Base::check_bounds(index, 0)))
             return zbpass(ZBLOC);
+        T* element = extract(index);
         if (Base::m_managed)
             delete element;
         return ZBErrC_ok;
+    }
+
+    // An element without a key would leave the index out of step with the
+    // array, so these are refused; add() is the way in.
+    void push_back(T*) override
+    {
+        zberror(ZBErrC_InvalidState, ZBLOC, "An indexed array takes an element only with its key.");
+    }
+    int insert(int, T*) override
+    {
+        return zberror(ZBErrC_InvalidState, ZBLOC, "An indexed array takes an element only with its key.");
     }
 
     T* extract(int index) override

@@ -81,13 +81,16 @@ std::string trim_right(std::string text)
 } // namespace
 
 ZBDatabase::ZBDatabase()
-    : m_object(false), m_uniqueId(0), m_lastFullWrite(0), m_lastPartialWrite(0), m_firstPartialWrite(true),
+    : m_object(false), m_objectSpec(C_SpecTag), m_query(C_QueryTag), m_note(C_NoteTag), m_uniqueId(0), m_lastFullWrite(0), m_lastPartialWrite(0), m_firstPartialWrite(true),
       m_lastStructureChange(0), m_readOnly(false), m_isLoaded(false), m_isResolved(false), m_backupCount(5),
       m_lastBackup(ZBDate::E_Zero), m_loadID(1), m_databaseFileVersion(0), m_appFileVersion(0), m_featureCount(0),
       m_appRelease(running_release()), m_writeTime(ZBDate::E_Blank), m_latestWrite(ZBDate::E_Blank),
       m_actionMgr(nullptr), m_pauseBackground(false), m_recalcComplete(false)
 {
     ZBDatabase::register_zbobject();
+    add_container(m_objectSpec);
+    add_container(m_query);
+    add_container(m_note);
 }
 
 ZBDatabase::~ZBDatabase()
@@ -739,25 +742,45 @@ int ZBDatabase::add_object(ZBDBObject* object, ZBDBObject* parent, const std::st
     return ZBErrC_ok;
 }
 
-int ZBDatabase::extract_object(int id, ZBDBObject*& out, bool keep)
+int ZBDatabase::extract_object(int id, ZBDBObject*& out, bool)
+{
+    int result = extract_tree(id, out);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    resolve_containers();
+    update_vars(-1, true);
+    return ZBErrC_ok;
+}
+
+// The containers are rebuilt once by the caller, not once per descendant.
+int ZBDatabase::extract_tree(int id, ZBDBObject*& out)
 {
     out = nullptr;
     ZBDBObject* object = m_object.find(id);
     if (!object)
         return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not delete - Object ID %d not found.", id);
-    ZBDBObject* copy = dynamic_cast<ZBDBObject*>(object->clone_class());
-    if (!copy)
+    if (iszbwarn(object->edit(-1, false)))
         return zbpass(ZBLOC);
+    ZBDBObject* copy = dynamic_cast<ZBDBObject*>(object->clone_class());
+    if (!copy) {
+        object->revert();
+        return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not duplicate this object.");
+    }
+    // The copy is detached: no parent, and clearing it is not a change of anyone's.
+    if (copy->get_parent_id() >= 0) {
+        copy->set_systemchange();
+        copy->set_parent(nullptr, object->get_obj_container_tag(), object->get_member_tag(), nullptr);
+    }
     copy->set_parent_ptr(nullptr, nullptr);
-    // Children go with their parent, as managed copies of the extracted one.
     std::vector<int> children;
     for (ZBDBObject* other : m_object)
         if (other->get_parent_id() == id && !other->is_deleted())
             children.push_back(other->get_id());
     for (int childId : children) {
         ZBDBObject* childCopy = nullptr;
-        if (iszbwarn(extract_object(childId, childCopy, keep))) {
+        if (iszbwarn(extract_tree(childId, childCopy))) {
             delete copy;
+            object->revert();
             return zbpass(ZBLOC);
         }
         copy->add_managed_child(childCopy);
@@ -766,10 +789,12 @@ int ZBDatabase::extract_object(int id, ZBDBObject*& out, bool keep)
         parent->mark_changed(ZBLOC, true);
     mark_changed(ZBLOC, true);
     object->set_state(ZBDBObject::E_Deleted);
-    object->mark_changed(ZBLOC, true);
     mark_db_structure_change(*object);
-    resolve_containers();
-    update_vars(-1, true);
+    int result = object->commit();
+    if (iszbwarn(result)) {
+        delete copy;
+        return zbpass(ZBLOC);
+    }
     out = copy;
     return ZBErrC_ok;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LibDatabase/db/zbdbobject.h"
+#include "LibDatabase/db/zbdbcontainer.h"
 #include "LibDatabase/db/zbdbindex.h"
 #include "LibDatabase/db/zbexternaldb.h"
 #include "LibComms/thread/zbthread.h"
@@ -118,6 +119,10 @@ public:
     ZBDBObject* get_object_by_id(int id) const;
     ZBDBObject* get_object_by_index(int index) const { return m_object.at(index); }
     int get_nobjects() const { return m_object.size(); }
+    // The specs, queries and notes held directly by the database; filled by resolve_containers.
+    const ZBDBContainer<ZBDBObject>& get_objectspecs() const { return m_objectSpec; }
+    const ZBDBContainer<ZBDBObject>& get_queries() const { return m_query; }
+    const ZBDBContainer<ZBDBObject>& get_notes() const { return m_note; }
     ZBDBObject* get_object_parent(int id) const;
     ZBDBContainerBase* get_object_container(int id) const;
     ZBDBObject* get_object_by_createid(int createId, const ZBDate& created) const;
@@ -147,12 +152,19 @@ public:
     static std::string get_cache_name(const std::string& name, bool create);
 
 protected:
+    // Takes an object and its live descendants out of the tree as deleted,
+    // returning a detached copy that carries copies of the descendants.
+    int extract_tree(int id, ZBDBObject*& out);
     // Writes "O:" objects; since 0 is a full write, where old tombstones are left out.
     int write_objects(std::ostream& out, long since, int version);
     int clean_intermediate(bool keepPartial, bool forceClean);
 
 private:
     ZBPtrArrayIndex<ZBDBObject, int> m_object;
+    // Typed by the classes that will fill them; until those exist they hold plain objects.
+    ZBDBContainer<ZBDBObject> m_objectSpec;
+    ZBDBContainer<ZBDBObject> m_query;
+    ZBDBContainer<ZBDBObject> m_note;
     int m_uniqueId;
     long m_lastFullWrite;
     long m_lastPartialWrite;

@@ -10,7 +10,9 @@
 namespace Tervalon {
 
 // A typed, non-owning view of an object's children under one tag, in the order
-// they were added, with a map by id.
+// they were added, with a map by id. The database owns the objects; a container
+// is emptied and refilled by resolve_containers, so pointers taken from it are
+// good only until the next change of the tree.
 template <class T>
 class ZBDBContainer : public ZBDBContainerBase {
 public:
@@ -68,7 +70,16 @@ public:
     }
 
     int size() const { return int(m_object.size()); }
-    T* get(int index) const { return index >= 0 && index < size() ? m_object[size_t(index)] : nullptr; }
+    // An index out of range is reported and gives null.
+    T* get(int index) const
+    {
+        if (index < 0 || index >= size()) {
+            zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, size());
+            return nullptr;
+        }
+        return m_object[size_t(index)];
+    }
+    T* operator[](int index) const { return get(index); }
     T* find_id(int id) const
     {
         auto it = m_byId.find(id);

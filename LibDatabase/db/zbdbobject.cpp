@@ -14,29 +14,40 @@ namespace {
 ZBObjectPreReg g_register("ZBDBObject", &ZBDBObject::create_zbobject);
 }
 
+const char* const ZBDBObject::C_Trigger = "on_";
+const char* const ZBDBObject::C_CreateTrigger = "create";
+const char* const ZBDBObject::C_EditTrigger = "edit";
+const char* const ZBDBObject::C_RecalculateTrigger = "recalculate";
+const char* const ZBDBObject::C_StartupTrigger = "startup";
+
 ZBDBObject::ZBDBObject()
     : m_id(-1), m_state(E_Normal), m_parentId(-1), m_specId(-1), m_createTime(ZBDate::E_Blank), m_createID(-1),
-      m_modifyTime(ZBDate::E_Blank), m_parent(nullptr), m_database(nullptr), m_objectSerialised(false), m_alertState(0),
-      m_systemChange(false)
+      m_modifyTime(ZBDate::E_Blank), m_backup(nullptr), m_created(false), m_containers(false), m_parent(nullptr),
+      m_database(nullptr), m_objectSerialised(false), m_triggerUpdateVars(false), m_alertState(0), m_systemChange(false)
 {
     ZBDBObject::register_zbobject();
 }
 
 // A copy is a detached object: same stored members, no parent pointer, no
-// database and no containers until it is placed in a database.
+// database, no containers until it is placed in a database, no lock and no backup.
 ZBDBObject::ZBDBObject(const ZBDBObject& other)
-    : ZBObject(other), ZBUpdateCounter(other), m_id(other.m_id), m_state(other.m_state), m_parentId(other.m_parentId),
+    : ZBObject(other), ZBUpdateCounter(other), ZBLockable(), m_id(other.m_id), m_state(other.m_state), m_parentId(other.m_parentId),
       m_containerTag(other.m_containerTag), m_memberTag(other.m_memberTag), m_link(other.m_link),
       m_specId(other.m_specId), m_variable(other.m_variable), m_createTime(other.m_createTime),
       m_createID(other.m_createID), m_modifyTime(other.m_modifyTime), m_child(other.m_child), m_script(other.m_script),
-      m_parent(nullptr), m_database(nullptr), m_objectSerialised(other.m_objectSerialised),
-      m_modifyLoc(other.m_modifyLoc), m_alertState(other.m_alertState), m_systemChange(false)
+      m_backup(nullptr), m_created(false), m_containers(false), m_parent(nullptr), m_database(nullptr),
+      m_objectSerialised(other.m_objectSerialised), m_triggerUpdateVars(other.m_triggerUpdateVars), m_modifyLoc(other.m_modifyLoc), m_alertState(other.m_alertState), m_systemChange(false)
 {
     ZBDBObject::register_zbobject();
 }
 
-ZBDBObject::~ZBDBObject() = default;
+ZBDBObject::~ZBDBObject()
+{
+    delete m_backup;
+}
 
+// Assignment copies the stored state only: the lock, the backup, the place in
+// the tree and the containers stay those of this object.
 ZBDBObject& ZBDBObject::operator=(const ZBDBObject& other)
 {
     if (this == &other)
@@ -150,6 +161,78 @@ int ZBDBObject::create_zbobject(ZBObject*& out, const ZBObject* from)
 void ZBDBObject::set_defaults(bool)
 {
     *this = ZBDBObject();
+}
+
+std::string ZBDBObject::get_sysvalue(const std::string&) const
+{
+    return std::string();
+}
+
+std::string ZBDBObject::get_sysvalue(const std::string& tag, const std::string&) const
+{
+    return get_sysvalue(tag);
+}
+
+int ZBDBObject::set_sysvalue(const std::string&, const std::string&)
+{
+    return ZBErrC_okNotHandled;
+}
+
+int ZBDBObject::set_sysvalue(const std::string& tag, const std::string&, const std::string& value)
+{
+    return set_sysvalue(tag, value);
+}
+
+int ZBDBObject::edit(int lockId, bool created)
+{
+    int result = lock(lockId);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    m_created = created;
+    delete m_backup;
+    m_backup = dynamic_cast<ZBDBObject*>(clone_class());
+    if (!m_backup) {
+        unlock();
+        return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not duplicate this object.");
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::commit()
+{
+    if (!is_locked())
+        return zberror(ZBLockable::ZBErrC_ObjectNotLocked, ZBLOC, "The object %d was not locked.", m_id);
+    if (!m_backup)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The object %d was not backed up.", m_id);
+    delete m_backup;
+    m_backup = nullptr;
+    // Prompt variables count as answered from here on; they belong to the spec
+    // machinery, which marks them through trigger_update_vars.
+    unlock();
+    mark_changed(ZBLOC, true);
+    m_created = false;
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::revert()
+{
+    if (!is_locked())
+        return zberror(ZBLockable::ZBErrC_ObjectNotLocked, ZBLOC, "The object %d was not locked.", m_id);
+    if (!m_backup)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The object %d was not backed up.", m_id);
+    const int version = m_database ? m_database->get_app_file_version() : 0;
+    const int id = m_id;
+    const long lastUpdate = get_last_update();
+    int result = derived_assign(*m_backup, version);
+    m_id = id;
+    restore_update(lastUpdate);
+    delete m_backup;
+    m_backup = nullptr;
+    unlock();
+    m_created = false;
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 int ZBDBObject::remap_id(int from, int to)
@@ -269,6 +352,22 @@ int ZBDBObject::remove_link(int id, const std::string& type, bool all)
     return ZBErrC_ok;
 }
 
+int ZBDBObject::get_nassoc(const std::string& type) const
+{
+    int n = 0;
+    for (const ZBDBObjectLink& link : m_link)
+        n += link.m_type == type;
+    return n;
+}
+
+int ZBDBObject::get_assoc_by_index(const std::string& type, int index) const
+{
+    for (const ZBDBObjectLink& link : m_link)
+        if (link.m_type == type && index-- == 0)
+            return link.m_id.m_id;
+    return -1;
+}
+
 std::vector<int> ZBDBObject::get_links(const std::string& type) const
 {
     std::vector<int> ids;
@@ -299,6 +398,57 @@ int ZBDBObject::get_children_by_mtag(const std::string& tag, ZBPtrArray<ZBDBObje
     return ZBErrC_ok;
 }
 
+ZBDBScript* ZBDBObject::get_script(const std::string& name) const
+{
+    for (ZBDBScript* script : m_script)
+        if (script->m_name == name)
+            return script;
+    return nullptr;
+}
+
+ZBDBScript* ZBDBObject::edit_script(const std::string& name)
+{
+    if (ZBDBScript* script = get_script(name))
+        return script;
+    ZBDBScript* script = new ZBDBScript();
+    script->m_name = name;
+    m_script.push_back(script);
+    return script;
+}
+
+int ZBDBObject::add_script(ZBDBScript* script)
+{
+    if (!script)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
+    if (get_script(script->m_name))
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "A script named %s already exists.", script->m_name.c_str());
+    m_script.push_back(script);
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::remove_script(const std::string& name)
+{
+    for (int i = 0; i < m_script.size(); ++i)
+        if (m_script[i]->m_name == name)
+            return m_script.remove(i);
+    return ZBErrC_okNotHandled;
+}
+
+int ZBDBObject::get_all_scripts(ZBPtrArray<ZBDBScript>& out) const
+{
+    out.set_managed(false);
+    for (ZBDBScript* script : m_script)
+        out.push_back(script);
+    return ZBErrC_ok;
+}
+
+// There is no script engine in this build, so a trigger never runs; the caller
+// learns from okNotHandled that nothing happened, as when no script exists.
+int ZBDBObject::run_trigger_script(const std::string&)
+{
+    return ZBErrC_okNotHandled;
+}
+
 void ZBDBObject::add_container(ZBDBContainerBase& container)
 {
     m_containers.push_back(&container);
@@ -320,7 +470,7 @@ ZBDBContainerBase* ZBDBObject::get_or_make_container(const std::string& tag)
         return nullptr;
     m_ownContainers.emplace_back(new ZBDBContainer<ZBDBObject>(tag));
     m_containers.push_back(m_ownContainers.back().get());
-    return m_containers.back();
+    return m_containers.last();
 }
 
 void ZBDBObject::remap_container(const std::string& from, const std::string& to)

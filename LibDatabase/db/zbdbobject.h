@@ -3,6 +3,9 @@
 #include "LibObject/object/zbobject.h"
 #include "LibDatabase/db/zbupdatecounter.h"
 #include "LibDatabase/db/zbdbobjectlink.h"
+#include "LibDatabase/db/zblockable.h"
+#include "LibDatabase/db/zbdbcontainerbase.h"
+#include "LibDatabase/db/zbdbscript.h"
 #include "LibDate/date/zbdate.h"
 
 #include <memory>
@@ -12,17 +15,25 @@
 namespace Tervalon {
 
 class ZBDatabase;
-class ZBDBContainerBase;
-class ZBDBScript;
 
 // An identified node of a database's tree: its id, state, parent, the tags of
 // the container that holds it and of its role there, links, spec and variables,
 // create and modify times, managed children (outside a database) and scripts.
 // The database owns every object; children are found through containers that
 // resolve_containers rebuilds from the parent ids.
-class ZBDBObject : public ZBObject, public ZBUpdateCounter {
+// Changes are made under the edit lock: edit() locks and keeps a backup copy,
+// commit() drops it and records the change, revert() puts the backup back. The
+// lock is a private base so that nothing bypasses the backup.
+class ZBDBObject : public ZBObject, public ZBUpdateCounter, private ZBLockable {
 public:
     enum E_ObjectState : char { E_Normal = 'N', E_Deleted = 'D' };
+
+    // Trigger scripts are named C_Trigger followed by the trigger.
+    static const char* const C_Trigger;
+    static const char* const C_CreateTrigger;
+    static const char* const C_EditTrigger;
+    static const char* const C_RecalculateTrigger;
+    static const char* const C_StartupTrigger;
 
     ZBDBObject();
     ZBDBObject(const ZBDBObject& other);
@@ -44,6 +55,25 @@ public:
     virtual void on_add() {}
     virtual std::string get_summary() const;
     virtual void mark_structure_change();
+    virtual bool uses_spec() const { return true; }
+    // Values the program itself keeps on an object, by name; empty when unknown.
+    virtual std::string get_sysvalue(const std::string& tag) const;
+    virtual std::string get_sysvalue(const std::string& tag, const std::string& subtag) const;
+    virtual int set_sysvalue(const std::string& tag, const std::string& value);
+    virtual int set_sysvalue(const std::string& tag, const std::string& subtag, const std::string& value);
+    virtual void trigger_update_vars() { m_triggerUpdateVars = true; }
+    virtual bool can_run_scripts() const { return true; }
+
+    // Editing. lockId names the holder (-1 for the program itself); created says
+    // the object is new in this edit, which the forms use to offer a discard.
+    int edit(int lockId, bool created);
+    int commit();
+    int revert();
+    bool is_edited() const { return m_backup != nullptr; }
+    bool get_created() const { return m_created; }
+    const ZBDBObject* get_backup() const { return m_backup; }
+    using ZBLockable::is_locked;
+    using ZBLockable::get_lock_id;
 
     int get_id() const { return m_id; }
     int get_parent_id() const { return m_parentId; }
@@ -77,6 +107,9 @@ public:
     void add_link(int id, const std::string& type);
     int remove_link(int id, const std::string& type, bool all);
     std::vector<int> get_links(const std::string& type) const;
+    // The number of links of a type, and one of them by position (-1 when out of range).
+    int get_nassoc(const std::string& type) const;
+    int get_assoc_by_index(const std::string& type, int index) const;
     const std::vector<ZBDBObjectLink>& get_all_links() const { return m_link; }
 
     // Variables as stored text; the spec machinery interprets them.
@@ -89,9 +122,19 @@ public:
     int get_nmanaged_children() const { return m_child.size(); }
     int get_children_by_mtag(const std::string& tag, ZBPtrArray<ZBDBObject>& out) const;
 
-    // Scripts.
+    // Scripts, by name; the object owns them.
     int get_nscripts() const { return m_script.size(); }
     ZBDBScript* get_script_no(int index) const { return m_script.at(index); }
+    ZBDBScript* get_script(const std::string& name) const;
+    // The script of that name, made empty if there is none.
+    ZBDBScript* edit_script(const std::string& name);
+    int add_script(ZBDBScript* script);
+    int remove_script(const std::string& name);
+    void clear_scripts() { m_script.clear(); }
+    // Every script in order, as a non-owning list.
+    int get_all_scripts(ZBPtrArray<ZBDBScript>& out) const;
+    // Finds the script for a trigger ("create", "edit", ...); okNotHandled when there is none.
+    int run_trigger_script(const std::string& trigger);
 
     // Containers of children by tag; those a class registers, and others made on demand.
     void add_container(ZBDBContainerBase& container);
@@ -99,8 +142,8 @@ public:
     ZBDBContainerBase* get_or_make_container(const std::string& tag);
     void remap_container(const std::string& from, const std::string& to);
     void clear_containers();
-    int get_ncontainers() const { return int(m_containers.size()); }
-    ZBDBContainerBase* get_container_no(int index) const { return m_containers[size_t(index)]; }
+    int get_ncontainers() const { return m_containers.size(); }
+    ZBDBContainerBase* get_container_no(int index) const { return m_containers.at(index); }
 
 private:
     // Stored.
@@ -119,11 +162,15 @@ private:
     ZBPtrArray<ZBDBScript> m_script;
 
     // Not stored.
-    std::vector<ZBDBContainerBase*> m_containers;
+    ZBDBObject* m_backup;
+    bool m_created;
+    // Non-owning: a class's own containers are its members, the rest are in m_ownContainers.
+    ZBPtrArray<ZBDBContainerBase> m_containers;
     std::vector<std::unique_ptr<ZBDBContainerBase>> m_ownContainers;
     ZBDBObject* m_parent;
     ZBDatabase* m_database;
     bool m_objectSerialised;
+    bool m_triggerUpdateVars;
     std::string m_modifyLoc;
     int m_alertState;
     bool m_systemChange;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QMutex>
+
+namespace Tervalon {
+
+// A thin layer on QMutex, so that model code names its locks in the system's
+// own terms. A copy is a new, independent mutex: copying the object that holds
+// one must never share or copy a lock state.
+class ZBMutex {
+public:
+    ZBMutex() = default;
+    ZBMutex(const ZBMutex&) {}
+    ZBMutex& operator=(const ZBMutex&) { return *this; }
+
+    void lock() { m_mutex.lock(); }
+    void unlock() { m_mutex.unlock(); }
+    // Waits at most the given time (below 0: for ever); true when taken.
+    bool try_lock(int milliseconds) { return m_mutex.tryLock(milliseconds); }
+
+private:
+    QMutex m_mutex;
+};
+
+} // namespace Tervalon

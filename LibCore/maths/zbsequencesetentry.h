@@ -1,0 +1,21 @@
+#pragma once
+
+#include "LibDate/date/zbdate.h"
+
+namespace Tervalon {
+
+// One dated value of a ZBSequenceSet.
+template <class T>
+class ZBSequenceSetEntry {
+public:
+    ZBSequenceSetEntry() = default;
+    ZBSequenceSetEntry(const T& value, const ZBDate& date) : m_value(value), m_date(date) {}
+
+    // Earlier dates first; the order of equal dates is the sort's.
+    static int compare_date(const ZBSequenceSetEntry& a, const ZBSequenceSetEntry& b) { return a.m_date > b.m_date; }
+
+    T m_value{};
+    ZBDate m_date;
+};
+
+} // namespace Tervalon
