@@ -86,7 +86,7 @@ private:
         static void put(std::ostream& out, const T& value)
         {
             if constexpr (std::is_floating_point<T>::value)
-                out << zbsrl_detail::double_text(double(value));
+                out << zb_double_to_string(double(value));
             else
                 out << value;
         }
