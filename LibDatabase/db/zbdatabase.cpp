@@ -12,6 +12,7 @@
 #include <QStandardPaths>
 
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 namespace Tervalon {
@@ -470,6 +471,8 @@ int ZBDatabase::first_object(const std::string& fileName, std::string& className
     return zberror(ZBErrC_NotADatabase, ZBLOC, "Could not locate database information in DB file.");
 }
 
+// Objects are read straight from the file stream, each by its class, so that a
+// large file is parsed once; the form is the same as an object's entry text.
 int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
 {
     std::string line;
@@ -478,81 +481,95 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
             return ZBErrC_okDelete;
         return zberror(ZBErrC_NotADatabase, ZBLOC, "The file you are opening is not a database file.");
     }
-    ZBPtrArray<ZBSerialisationEntry> entries;
-    for (;;) {
-        ZBSerialisationEntry* entry = new ZBSerialisationEntry();
-        int result = entry->read_entry(in);
-        if (result == ZBErrC_okEndOfRecord) {
-            delete entry;
-            // A stray class end at the top level is passed over; only the end of the stream stops.
-            if (in)
-                continue;
-            break;
-        }
-        if (iszbwarn(result)) {
-            delete entry;
-            return zbpass(ZBLOC);
-        }
-        entries.push_back(entry);
-    }
     bool skip = partial && skipSaved && m_dbIndex.get_last_save() > 0;
     bool seenDatabase = false;
-    std::string databaseText;
+    int highest = m_uniqueId;
     const std::string objectTag = C_ObjectStart;
-    for (const ZBSerialisationEntry* entry : entries) {
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == C_DlmtVersion) {
-            m_databaseFileVersion = int(std::strtol(entry->m_value.c_str(), nullptr, 10));
-            if (m_databaseFileVersion != C_LatestFileVersion)
-                return zberror(ZBErrC_InvalidDatabaseVersion, ZBLOC,
-                               "Does not handle database version %d (max version handled is %d)",
-                               m_databaseFileVersion, C_LatestFileVersion);
-            continue;
-        }
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == C_DlmtTransaction) {
-            if (partial) {
-                int id = int(std::strtol(entry->m_value.c_str(), nullptr, 10));
-                if (m_dbIndex.get_status(id) != 0)
-                    skip = true;
-                else
-                    skip = skipSaved && id < m_dbIndex.get_last_save();
+    std::vector<signed char> databaseClass; // by class id: 1 a database class, 0 not, -1 not known yet
+    while (zb_read_line(in, line)) {
+        if (line.size() < 2)
+            continue; // Blank lines, a stray class end and one-character lines carry nothing here.
+        if (line[0] == '!') {
+            const std::string text = zb_stream_in(line);
+            const size_t bang = text.find('!', 1);
+            const std::string tag = text.substr(1, bang == std::string::npos ? std::string::npos : bang - 1);
+            const std::string value = bang == std::string::npos ? std::string() : text.substr(bang + 1);
+            if (tag == C_DlmtVersion) {
+                m_databaseFileVersion = int(std::strtol(value.c_str(), nullptr, 10));
+                if (m_databaseFileVersion != C_LatestFileVersion)
+                    return zberror(ZBErrC_InvalidDatabaseVersion, ZBLOC,
+                                   "Does not handle database version %d (max version handled is %d)",
+                                   m_databaseFileVersion, C_LatestFileVersion);
+            } else if (tag == C_DlmtTransaction && partial) {
+                const int id = int(std::strtol(value.c_str(), nullptr, 10));
+                skip = m_dbIndex.get_status(id) != 0 || (skipSaved && id < m_dbIndex.get_last_save());
             }
             continue;
         }
-        if (entry->m_entryType != ZBSerialisationEntry::E_Class || entry->m_tag.compare(0, objectTag.size(), objectTag) != 0
-            || skip)
-            continue;
-        ZBObject* created = nullptr;
-        int result = ZBObject::object_from_string(entry->m_value, created, m_appFileVersion);
-        if (iszbwarn(result)) {
-            delete created;
-            return zbpass(ZBLOC);
-        }
-        ZBDBObject* object = dynamic_cast<ZBDBObject*>(created);
-        if (!object) {
-            delete created;
-            return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not cast to a ZBDBObject.");
-        }
-        if (ZBDatabase* database = dynamic_cast<ZBDatabase*>(object)) {
-            // The database's own record: read into this object once all are in,
-            // but its file version governs how the others are read.
-            m_appFileVersion = database->m_appFileVersion;
-            delete object;
-            if (m_appFileVersion > current_appfileversion())
-                return zberror(ZBErrC_NewerAppVersion, ZBLOC, "This file was written by a newer version of %s - Cannot load.",
-                               application_name().c_str());
-            databaseText = entry->m_value;
-            seenDatabase = true;
-            continue;
-        }
-        const int id = object->get_id();
-        if (id >= m_uniqueId)
-            m_uniqueId = id + 1;
-        if (ZBDBObject* existing = m_object.find(id)) {
-            delete object;
-            if (iszbwarn(existing->object_from_string(entry->m_value, m_appFileVersion)))
+        if (line[0] != '@')
+            continue; // Raw lines at the top level are passed over.
+        if (zb_stream_in(line.substr(1)).compare(0, objectTag.size(), objectTag) != 0) {
+            if (iszbwarn(zb_read_nested(in, nullptr)))
                 return zbpass(ZBLOC);
             continue;
         }
+        std::string start;
+        do {
+            if (!zb_read_line(in, start))
+                return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
+        } while (start.empty() || start[0] != '{');
+        const std::string name = start.substr(1);
+        ZBObjectIndexEntry* entry = zbclassindex().find(name);
+        if (!entry)
+            return zberror(ZBErrC_ObjectUnknown, ZBLOC, "Could not identify object %s", name.c_str());
+        if (!entry->m_create)
+            return zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "No create function for %s", name.c_str());
+        if (entry->m_id >= int(databaseClass.size()))
+            databaseClass.resize(size_t(entry->m_id) + 1, -1);
+        signed char& isDatabase = databaseClass[size_t(entry->m_id)];
+        ZBObject* created = nullptr;
+        if (isDatabase != 1 || skip) {
+            if (iszbwarn(entry->m_create(created, nullptr)) || !created) {
+                delete created;
+                return zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "Create function failed for %s", name.c_str());
+            }
+            if (isDatabase < 0)
+                isDatabase = dynamic_cast<ZBDatabase*>(created) ? 1 : 0;
+        }
+        if (isDatabase == 1 && !skip) {
+            // The database's own record goes into this object, and its file
+            // version governs how the other objects are read.
+            delete created;
+            if (iszbwarn(read_class_body(in, m_appFileVersion)))
+                return zbpass(ZBLOC);
+            if (in.fail())
+                return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
+            if (m_appFileVersion > current_appfileversion())
+                return zberror(ZBErrC_NewerAppVersion, ZBLOC, "This file was written by a newer version of %s - Cannot load.",
+                               application_name().c_str());
+            seenDatabase = true;
+            continue;
+        }
+        std::unique_ptr<ZBObject> holder(created);
+        if (iszbwarn(created->read_class_body(in, m_appFileVersion)))
+            return zbpass(ZBLOC);
+        if (in.fail())
+            return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
+        if (skip)
+            continue;
+        ZBDBObject* object = dynamic_cast<ZBDBObject*>(created);
+        if (!object)
+            return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not cast to a ZBDBObject.");
+        const int id = object->get_id();
+        if (id >= highest)
+            highest = id + 1;
+        if (ZBDBObject* existing = m_object.find(id)) {
+            // A later record of the same object updates it, as a replayed change does.
+            if (iszbwarn(existing->derived_assign(*object, m_appFileVersion)))
+                return zbpass(ZBLOC);
+            continue;
+        }
+        holder.release();
         m_object.add(id, object);
     }
     if (!seenDatabase) {
@@ -560,12 +577,6 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
             return resolve_containers();
         return zberror(ZBErrC_NotADatabase, ZBLOC, "Could not locate database information in DB file.");
     }
-    const int highest = m_uniqueId;
-    if (iszbwarn(object_from_string(databaseText, m_appFileVersion)))
-        return zbpass(ZBLOC);
-    if (m_appFileVersion > current_appfileversion())
-        return zberror(ZBErrC_NewerAppVersion, ZBLOC, "This file was written by a newer version of %s - Cannot load.",
-                       application_name().c_str());
     if (highest > m_uniqueId)
         m_uniqueId = highest;
     if (get_id() >= m_uniqueId)

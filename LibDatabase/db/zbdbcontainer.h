@@ -4,13 +4,17 @@
 #include "LibDatabase/db/zbdbobject.h"
 #include "LibCore/error/zberror.h"
 
-#include <map>
+#include <algorithm>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace Tervalon {
 
 // A typed, non-owning view of an object's children under one tag, in the order
-// they were added, with a map by id. The database owns the objects; a container
+// they were added, with an index by id. The index is a sorted vector built on
+// the first look-up after a change, so that refilling a container (done for
+// every object at each resolve) costs no allocation per object. The database owns the objects; a container
 // is emptied and refilled by resolve_containers, so pointers taken from it are
 // good only until the next change of the tree.
 template <class T>
@@ -20,17 +24,22 @@ public:
 
     int add_object(ZBDBObject* object) override
     {
-        T* typed = dynamic_cast<T*>(object);
+        T* typed = nullptr;
+        if constexpr (std::is_same<T, ZBDBObject>::value)
+            typed = object;
+        else
+            typed = dynamic_cast<T*>(object);
         if (!typed)
             return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not cast object ID %d to ZBDBObject.", object ? object->get_id() : -1);
         m_object.push_back(typed);
-        m_byId[typed->get_id()] = typed;
+        m_indexed = false;
         return ZBErrC_ok;
     }
     void clear() override
     {
         m_object.clear();
         m_byId.clear();
+        m_indexed = false;
     }
     ZBDBObject* find_member_tag(const std::string& tag) const override
     {
@@ -57,16 +66,13 @@ public:
     ZBDBObject* get_object(int index) const override { return get(index); }
     int remove_object(int id) override
     {
-        auto it = m_byId.find(id);
-        if (it == m_byId.end())
-            return ZBErrC_okNotHandled;
         for (size_t i = 0; i < m_object.size(); ++i)
-            if (m_object[i] == it->second) {
+            if (m_object[i]->get_id() == id) {
                 m_object.erase(m_object.begin() + long(i));
-                break;
+                m_indexed = false;
+                return ZBErrC_ok;
             }
-        m_byId.erase(it);
-        return ZBErrC_ok;
+        return ZBErrC_okNotHandled;
     }
 
     int size() const { return int(m_object.size()); }
@@ -82,15 +88,26 @@ public:
     T* operator[](int index) const { return get(index); }
     T* find_id(int id) const
     {
-        auto it = m_byId.find(id);
-        return it == m_byId.end() ? nullptr : it->second;
+        if (!m_indexed) {
+            m_byId.clear();
+            m_byId.reserve(m_object.size());
+            for (T* object : m_object)
+                m_byId.emplace_back(object->get_id(), object);
+            std::stable_sort(m_byId.begin(), m_byId.end(),
+                             [](const std::pair<int, T*>& a, const std::pair<int, T*>& b) { return a.first < b.first; });
+            m_indexed = true;
+        }
+        auto it = std::lower_bound(m_byId.begin(), m_byId.end(), id,
+                                   [](const std::pair<int, T*>& entry, int key) { return entry.first < key; });
+        return it != m_byId.end() && it->first == id ? it->second : nullptr;
     }
     typename std::vector<T*>::const_iterator begin() const { return m_object.begin(); }
     typename std::vector<T*>::const_iterator end() const { return m_object.end(); }
 
 private:
     std::vector<T*> m_object;
-    std::map<int, T*> m_byId;
+    mutable std::vector<std::pair<int, T*>> m_byId;
+    mutable bool m_indexed = false;
 };
 
 } // namespace Tervalon

@@ -3,6 +3,7 @@
 #include "LibDate/date/zbdatedetails.h"
 #include "LibDate/date/zblocale.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <istream>
@@ -499,32 +500,99 @@ bool compare_zbdates(const ZBDate& a, const ZBDate& b)
     return a < b;
 }
 
-std::ostream& operator<<(std::ostream& out, const ZBDate& date)
+void ZBDate::write_stored(std::string& text) const
 {
-    int year = date.get_year();
+    int year = m_year;
     int month = 0;
     int day = 0;
-    if (date.is_ok())
-        ZBDateUtils::breakdown_yearday(date.get_day_of_year(), date.get_year(), year, month, day);
-    int second = date.get_second_of_day();
+    if (is_ok())
+        ZBDateUtils::breakdown_yearday(m_day, m_year, year, month, day);
+    const int second = m_second;
     char buffer[80];
-    if (date.get_microsecond() != 0)
-        std::snprintf(buffer, sizeof buffer, "%06d%02d%02d%02d%02d%02d%05d%06d", date.get_microsecond(), second % 60,
-                      second / 60 % 60, second / 3600, day, month, year, date.get_timezone());
+    int n = 0;
+    if (m_micro != 0)
+        n = std::snprintf(buffer, sizeof buffer, "%06d%02d%02d%02d%02d%02d%05d%06d", m_micro, second % 60,
+                          second / 60 % 60, second / 3600, day, month, year, m_timeZone);
     else
-        std::snprintf(buffer, sizeof buffer, "%02d%02d%02d%02d%02d%05d%06d", second % 60, second / 60 % 60,
-                      second / 3600, day, month, year, date.get_timezone());
-    return out << buffer;
+        n = std::snprintf(buffer, sizeof buffer, "%02d%02d%02d%02d%02d%05d%06d", second % 60, second / 60 % 60,
+                          second / 3600, day, month, year, m_timeZone);
+    text.assign(buffer, size_t(n > 0 ? n : 0));
+}
+
+std::ostream& operator<<(std::ostream& out, const ZBDate& date)
+{
+    std::string text;
+    date.write_stored(text);
+    return out << text;
 }
 
 namespace {
+
 int field(const std::string& digits, size_t& pos, size_t width)
 {
-    std::string part = digits.substr(pos, width);
+    if (pos >= digits.size())
+        return 0;
+    char part[16] = {0};
+    size_t n = std::min(width, digits.size() - pos);
+    digits.copy(part, n, pos);
     pos += width;
-    return int(std::strtol(part.c_str(), nullptr, 10));
+    return int(std::strtol(part, nullptr, 10));
 }
+
+// Digits (and minus signs) of a stored date, as gathered from its text.
+void date_from_digits(const std::string& digits, ZBDate& date)
+{
+    if (digits.size() < 12) {
+        // The old form: a time_t in the default zone.
+        date.set_time_t(std::time_t(std::strtoll(digits.c_str(), nullptr, 10)), ZBDate::C_DefaultTime);
+        return;
+    }
+    size_t pos = 0;
+    int micro = digits.size() > 26 ? field(digits, pos, 6) : 0;
+    int second = field(digits, pos, 2);
+    int minute = field(digits, pos, 2);
+    int hour = field(digits, pos, 2);
+    int day = field(digits, pos, 2);
+    int month = field(digits, pos, 2);
+    int year = field(digits, pos, 5);
+    int zone = pos < digits.size() ? field(digits, pos, 6) : 0;
+    const bool onlyYear = !micro && !second && !minute && !hour && !day && !month;
+    if (onlyYear && year == ZBDate::C_BlankDateYear) {
+        date.set_blank();
+        return;
+    }
+    if (onlyYear && year == ZBDate::C_InvalidDateYear) {
+        date.set_invalid();
+        return;
+    }
+    if (onlyYear && year == 0) {
+        date.set_zero();
+        return;
+    }
+    // The fields are UTC: build in GMT, then keep the stored zone for showing.
+    ZBDate parsed(year, month, day, hour, minute, second, micro, ZBDate::C_GMT);
+    date = ZBDate(parsed.get_year(), parsed.get_day_of_year(), parsed.get_second_of_day(), parsed.get_microsecond(), zone);
+}
+
 } // namespace
+
+void ZBDate::read_stored(const std::string& text)
+{
+    size_t i = 0;
+    while (i < text.size() && (text[i] == ' ' || text[i] == '\t'))
+        ++i;
+    if (i < text.size() && text[i] == '"') {
+        size_t end = text.find('"', i + 1);
+        from_string(text.substr(i + 1, end == std::string::npos ? std::string::npos : end - i - 1));
+        return;
+    }
+    size_t start = i;
+    while (i < text.size() && ((text[i] >= '0' && text[i] <= '9') || text[i] == '-'))
+        ++i;
+    if (i == start)
+        return; // Not a date: the value stays as it was, as with a stream.
+    date_from_digits(text.substr(start, i - start), *this);
+}
 
 std::istream& operator>>(std::istream& in, ZBDate& date)
 {
@@ -558,35 +626,7 @@ std::istream& operator>>(std::istream& in, ZBDate& date)
         in.setstate(std::ios::failbit);
         return in;
     }
-    if (digits.size() < 12) {
-        // The old form: a time_t in the default zone.
-        date.set_time_t(std::time_t(std::strtoll(digits.c_str(), nullptr, 10)), ZBDate::C_DefaultTime);
-        return in;
-    }
-    size_t pos = 0;
-    int micro = digits.size() > 26 ? field(digits, pos, 6) : 0;
-    int second = field(digits, pos, 2);
-    int minute = field(digits, pos, 2);
-    int hour = field(digits, pos, 2);
-    int day = field(digits, pos, 2);
-    int month = field(digits, pos, 2);
-    int year = field(digits, pos, 5);
-    int zone = pos < digits.size() ? field(digits, pos, 6) : 0;
-    if (year == ZBDate::C_BlankDateYear && !micro && !second && !minute && !hour && !day && !month) {
-        date.set_blank();
-        return in;
-    }
-    if (year == ZBDate::C_InvalidDateYear && !micro && !second && !minute && !hour && !day && !month) {
-        date.set_invalid();
-        return in;
-    }
-    if (year == 0 && !micro && !second && !minute && !hour && !day && !month) {
-        date.set_zero();
-        return in;
-    }
-    // The fields are UTC: build in GMT, then keep the stored zone for showing.
-    ZBDate parsed(year, month, day, hour, minute, second, micro, ZBDate::C_GMT);
-    date = ZBDate(parsed.get_year(), parsed.get_day_of_year(), parsed.get_second_of_day(), parsed.get_microsecond(), zone);
+    date_from_digits(digits, date);
     return in;
 }
 

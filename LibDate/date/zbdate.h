@@ -93,6 +93,9 @@ public:
     std::string to_string(const std::string& format = std::string()) const;
     // ISO 8601 in UTC, "2026-03-09T08:00:00Z" (with ".uuuuuu" when there are microseconds).
     std::string to_iso() const;
+    // The stored text of a field, without a stream (the reading of files goes through these).
+    void write_stored(std::string& text) const;
+    void read_stored(const std::string& text);
 
     bool operator==(const ZBDate& other) const;
     bool operator!=(const ZBDate& other) const { return !(*this == other); }

@@ -122,9 +122,37 @@ void ZBObject::take_serentries(ZBPtrArray<ZBSerialisationEntry>& into)
 
 // ---------------------------------------------------------------- field operations
 
+namespace {
+// Writes text through the line escaper without making a copy of it.
+void write_escaped(std::ostream& out, const std::string& text)
+{
+    const char* data = text.data();
+    const size_t n = text.size();
+    size_t run = 0;
+    for (size_t i = 0; i < n; ++i) {
+        const char c = data[i];
+        if (c != '\n' && c != '\\' && c != '\r' && c != '\0')
+            continue;
+        out.write(data + run, std::streamsize(i - run));
+        if (c == '\n')
+            out.write("\\n", 2);
+        else if (c == '\\')
+            out.write("\\\\", 2);
+        run = i + 1;
+    }
+    out.write(data + run, std::streamsize(n - run));
+}
+} // namespace
+
 int ZBObject::write_field_line(std::ostream& out, const std::string& tag, const std::string& value)
 {
-    out << zb_stream_out("!" + tag + "!" + value) << '\n';
+    // Escaping works character by character, so the composed line "!tag!value"
+    // can be escaped in its pieces.
+    out.put('!');
+    write_escaped(out, tag);
+    out.put('!');
+    write_escaped(out, value);
+    out.put('\n');
     if (!out)
         return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
     return ZBErrC_ok;
@@ -421,6 +449,15 @@ int ZBObject::read_class_entries(std::istream& in)
     }
 }
 
+int ZBObject::read_class_body(std::istream& in, int version)
+{
+    clear_unhandled_data();
+    int result = read_class_entries(in);
+    if (!iszbwarn(result))
+        result = serialise(&in, nullptr, "", version);
+    return iszbwarn(result) ? zbpass(ZBLOC) : ZBErrC_ok;
+}
+
 int ZBObject::read_class(std::istream& in, ZBObject** outClass, ZBObject* inClass, int version)
 {
     if (outClass && inClass)
@@ -448,10 +485,7 @@ int ZBObject::read_class(std::istream& in, ZBObject** outClass, ZBObject* inClas
             return zberror(ZBErrC_ObjectFuncNotRegistered, ZBLOC, "Create function failed for %s", name.c_str());
         }
     }
-    object->clear_unhandled_data();
-    int result = object->read_class_entries(in);
-    if (!iszbwarn(result))
-        result = object->serialise(&in, nullptr, "", version);
+    int result = object->read_class_body(in, version);
     if (iszbwarn(result)) {
         if (outClass)
             delete object;

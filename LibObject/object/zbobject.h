@@ -79,6 +79,9 @@ public:
     static int read_class(std::istream& in, ZBObject*& out, int version);
     static int read_class(std::istream& in, ZBObject** outClass, ZBObject* inClass, int version);
     int read_class_entries(std::istream& in);
+    // Reads an object's body (its class-start line already taken): its entries up
+    // to the class end, then serialise.
+    int read_class_body(std::istream& in, int version);
     int object_to_string(std::string& text, int version) const;
     static int object_from_string(const std::string& text, ZBObject*& out, int version);
     int object_from_string(const std::string& text, int version);

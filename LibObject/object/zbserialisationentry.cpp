@@ -10,7 +10,8 @@ bool zb_read_line(std::istream& in, std::string& line)
 {
     if (!std::getline(in, line))
         return false;
-    if (line.find_first_of("\r\n") != std::string::npos) {
+    // getline has taken the line feed; a carriage return may stand anywhere.
+    if (line.find('\r') != std::string::npos) {
         std::string clean;
         clean.reserve(line.size());
         for (char c : line)
@@ -19,6 +20,30 @@ bool zb_read_line(std::istream& in, std::string& line)
         line.swap(clean);
     }
     return true;
+}
+
+int zb_read_nested(std::istream& in, std::string* value)
+{
+    int depth = 0;
+    int opened = 0;
+    std::string next;
+    while (zb_read_line(in, next)) {
+        if (value) {
+            *value += next;
+            *value += '\n';
+        }
+        if (!next.empty()) {
+            if (next[0] == '{') {
+                ++depth;
+                ++opened;
+            } else if (next[0] == '}') {
+                --depth;
+            }
+        }
+        if (opened > 0 && depth == 0)
+            return ZBErrC_ok;
+    }
+    return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
 }
 
 void zb_write_raw_line(std::ostream& out, const std::string& text)
@@ -63,24 +88,7 @@ int ZBSerialisationEntry::read_entry(std::istream& in)
         m_entryType = E_Class;
         m_tag = zb_stream_in(line.substr(1));
         m_value.clear();
-        int depth = 0;
-        int opened = 0;
-        std::string next;
-        while (zb_read_line(in, next)) {
-            m_value += next;
-            m_value += '\n';
-            if (!next.empty()) {
-                if (next[0] == '{') {
-                    ++depth;
-                    ++opened;
-                } else if (next[0] == '}') {
-                    --depth;
-                }
-            }
-            if (opened > 0 && depth == 0)
-                return ZBErrC_ok;
-        }
-        return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
+        return zb_read_nested(in, &m_value);
     }
     if (first == '}')
         return ZBErrC_okEndOfRecord;

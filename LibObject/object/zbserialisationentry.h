@@ -38,6 +38,10 @@ public:
 
 // Reads one line with every CR and LF removed; false at the end of the stream.
 bool zb_read_line(std::istream& in, std::string& line);
+// Reads the lines of a nested object (after its "@tag" line) up to the line
+// that closes it, found by the depth of '{' and '}' lines; appends them to
+// value when given. ZBErrC_FileTooShort when the stream ends first.
+int zb_read_nested(std::istream& in, std::string* value);
 // Writes a raw data line, with the extra backslash where the line would otherwise
 // be taken for a field, an object or a class marker.
 void zb_write_raw_line(std::ostream& out, const std::string& text);

@@ -13,9 +13,21 @@
 #include <ostream>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 
 namespace Tervalon {
 
+
+namespace zbsrl_detail {
+// A value class may give its stored text directly (read_stored/write_stored),
+// which is much faster than a string stream for the dates every object holds.
+template <class T, class = void>
+struct has_stored_text : std::false_type {};
+template <class T>
+struct has_stored_text<T, std::void_t<decltype(std::declval<T&>().read_stored(std::declval<const std::string&>())),
+                                      decltype(std::declval<const T&>().write_stored(std::declval<std::string&>()))>>
+    : std::true_type {};
+} // namespace zbsrl_detail
 
 // Binds one value with a default and a precision. A value equal to its default
 // takes no line in the file. Doubles keep every digit they need to read back
@@ -54,6 +66,9 @@ public:
             // A text value is the whole of the field, spaces and all.
             m_value = text;
             return ZBErrC_ok;
+        } else if constexpr (zbsrl_detail::has_stored_text<T>::value) {
+            m_value.read_stored(text);
+            return ZBErrC_ok;
         } else if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value && !std::is_same<T, bool>::value) {
             // As extraction would: leading blanks skipped, text that is not a number leaves 0.
             errno = 0;
@@ -75,7 +90,13 @@ public:
 
     int write_text(std::string& text, int index) const override
     {
-        if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value) {
+        if constexpr (zbsrl_detail::has_stored_text<T>::value) {
+            m_value.write_stored(text);
+            return ZBErrC_ok;
+        } else if constexpr (std::is_same<T, std::string>::value) {
+            text = m_value;
+            return ZBErrC_ok;
+        } else if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value) {
             text = std::to_string(m_value);
             return ZBErrC_ok;
         } else if constexpr (std::is_floating_point<T>::value) {
