@@ -646,6 +646,9 @@ std::string zb_stream_out(const std::string& text)
 
 std::string zb_stream_in(const std::string& text)
 {
+    // Most lines hold no escapes at all.
+    if (text.find('\\') == std::string::npos)
+        return text;
     std::string out;
     out.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {

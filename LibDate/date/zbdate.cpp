@@ -569,9 +569,11 @@ void date_from_digits(const std::string& digits, ZBDate& date)
         date.set_zero();
         return;
     }
-    // The fields are UTC: build in GMT, then keep the stored zone for showing.
-    ZBDate parsed(year, month, day, hour, minute, second, micro, ZBDate::C_GMT);
-    date = ZBDate(parsed.get_year(), parsed.get_day_of_year(), parsed.get_second_of_day(), parsed.get_microsecond(), zone);
+    // The fields are UTC; the stored zone is only for showing.
+    int outYear = 0;
+    int dayOfYear = 0;
+    ZBDateUtils::calc_yearday(year, month, day, outYear, dayOfYear);
+    date = ZBDate(outYear, dayOfYear, hour * ZBDate::C_HourSecs + minute * ZBDate::C_MinSecs + second, micro, zone);
 }
 
 } // namespace

@@ -161,7 +161,9 @@ int ZBObject::write_field_line(std::ostream& out, const std::string& tag, const 
 int ZBObject::serialise_value(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,
                               ZBSrl& srl, bool tryBareTag)
 {
-    const std::string ctag = make_ctag(prefix, tag);
+    // Most fields have no prefix: their tag is used as it is, without a copy.
+    const std::string composed = prefix.empty() ? std::string() : make_ctag(prefix, tag);
+    const std::string& ctag = prefix.empty() ? tag : composed;
     if (out) {
         const int n = srl.get_nentries();
         std::string text;
@@ -185,7 +187,10 @@ int ZBObject::serialise_value(std::istream* in, std::ostream* out, const std::st
     for (int i = 0; i < m_readEntry.size();) {
         ZBSerialisationEntry* entry = m_readEntry[i];
         if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
-            srl.read_text(zb_stream_in(entry->m_value));
+            if (entry->m_value.find('\\') == std::string::npos)
+                srl.read_text(entry->m_value);
+            else
+                srl.read_text(zb_stream_in(entry->m_value));
             m_readEntry.remove(i);
             found = true;
         } else {
@@ -225,7 +230,7 @@ int ZBObject::serialise_string(std::istream* in, std::ostream* out, const std::s
     for (int i = 0; i < m_readEntry.size(); ++i) {
         ZBSerialisationEntry* entry = m_readEntry[i];
         if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
-            value = entry->m_value;
+            value = std::move(entry->m_value);
             m_readEntry.remove(i);
             return ZBErrC_ok;
         }

@@ -73,7 +73,11 @@ int ZBSerialisationEntry::read_entry(std::istream& in)
     char first = line[0];
     if (first == '!') {
         m_entryType = E_Field;
-        std::string text = zb_stream_in(line);
+        const bool escaped = line.find('\\') != std::string::npos;
+        std::string unescaped;
+        if (escaped)
+            unescaped = zb_stream_in(line);
+        const std::string& text = escaped ? unescaped : line;
         size_t bang = text.find('!', 1);
         if (bang == std::string::npos) {
             m_tag = text.substr(1);

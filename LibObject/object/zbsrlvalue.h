@@ -5,6 +5,7 @@
 #include "LibCore/textstr/zbtextstr.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <iomanip>
@@ -68,6 +69,18 @@ public:
             return ZBErrC_ok;
         } else if constexpr (zbsrl_detail::has_stored_text<T>::value) {
             m_value.read_stored(text);
+            return ZBErrC_ok;
+        } else if constexpr (std::is_floating_point<T>::value) {
+            // As extraction would, but the same in every locale.
+            const char* first = text.c_str();
+            const char* last = first + text.size();
+            while (first < last && (*first == ' ' || *first == '\t'))
+                ++first;
+            if (first < last && *first == '+')
+                ++first;
+            double parsed = 0.0;
+            auto result = std::from_chars(first, last, parsed);
+            m_value = result.ec == std::errc() ? T(parsed) : T(0);
             return ZBErrC_ok;
         } else if constexpr (std::is_integral<T>::value && !std::is_same<T, char>::value && !std::is_same<T, bool>::value) {
             // As extraction would: leading blanks skipped, text that is not a number leaves 0.
