@@ -246,7 +246,9 @@ std::string ZBDateExpTerm::to_string(int previousType, int nextType) const
             return " " + std::to_string(v + 1);
         return " " + std::to_string(v + 1) + ZBLocale::get_ordinal(v + 1, false);
     case SetMonth:
-        return (previousType == SetDay ? "-" : " ") + ZBLocale::english_month(v);
+        // After a bare year the month joins it ("2027-Mar"), since "2027 Mar"
+        // would read the year as a day.
+        return (previousType == SetDay || previousType == SetYear ? "-" : " ") + ZBLocale::english_month(v);
     case SetYear:
         return (previousType == SetMonth ? "/" : " ") + std::to_string(v);
     case SetWeekday: {

@@ -18,6 +18,7 @@ using T = ZBDateExpTerm;
 
 // Nine digits always fit an int; a longer number is no date anyone means.
 constexpr size_t C_MaxDigits = 9;
+constexpr int C_MaxWeeks = 100000000;
 
 bool is_digit(char c)
 {
@@ -485,8 +486,14 @@ private:
             m_exp.add_term(T::AddDay, value);
         else if (ZBDateParser::compare_token(unit, "WORKDAY"))
             m_exp.add_term(T::WorkDay, value);
-        else if (ZBDateParser::compare_token(unit, "W"))
+        else if (ZBDateParser::compare_token(unit, "W")) {
+            // Weeks are counted in days; a count whose days overflow is no date.
+            if (value > C_MaxWeeks || value < -C_MaxWeeks) {
+                invalid();
+                return false;
+            }
             m_exp.add_term(T::AddDay, 7 * value);
+        }
         else if (ZBDateParser::compare_token(unit, "MO"))
             m_exp.add_term(T::AddMonth, value);
         else if (ZBDateParser::compare_token(unit, "Y"))
