@@ -1,6 +1,8 @@
 #include "AppTervalonDiary/cli/tervaloncli.h"
 #include "AppTervalonDiary/cli/cmdcheck.h"
 #include "AppTervalonDiary/cli/cmdcreate.h"
+#include "AppTervalonDiary/cli/cmddate.h"
+#include "AppTervalonDiary/cli/cmdduration.h"
 #include "AppTervalonDiary/cli/cmddump.h"
 #include "AppTervalonDiary/cli/cmdrewrite.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
@@ -19,6 +21,8 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdCheck()));
     add_command(std::unique_ptr<CliCommand>(new CmdRewrite()));
     add_command(std::unique_ptr<CliCommand>(new CmdDump()));
+    add_command(std::unique_ptr<CliCommand>(new CmdDate()));
+    add_command(std::unique_ptr<CliCommand>(new CmdDuration()));
 }
 
 TervalonCli::~TervalonCli() = default;

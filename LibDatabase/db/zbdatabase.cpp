@@ -2,6 +2,7 @@
 #include "LibDatabase/db/zbdbcontainer.h"
 #include "LibCore/application/zbapplication.h"
 #include "LibDate/date/zbdateutils.h"
+#include "LibDate/date/zbdateparser.h"
 #include "LibObject/object/zbdump.h"
 
 #include <QDir>
@@ -615,7 +616,7 @@ int ZBDatabase::write(std::ostream& out, long since, bool withHead, const std::s
 int ZBDatabase::write_objects(std::ostream& out, long since, int version)
 {
     // Deleted objects stay for a week as tombstones, so that a merge sees them.
-    const ZBDate limit = ZBDateUtils::now() - ZBDuration(7, 0, 0);
+    const ZBDate limit = ZBDateParser::parse_date("now +-1 Week").apply(ZBDateUtils::now());
     for (const ZBDBObject* object : m_object) {
         if (since == 0) {
             if (object->is_deleted() && object->get_modify_time().is_ok() && object->get_modify_time() < limit)

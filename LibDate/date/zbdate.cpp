@@ -1,4 +1,5 @@
 #include "LibDate/date/zbdate.h"
+#include "LibDate/date/zbdateparser.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zbdatedetails.h"
 #include "LibDate/date/zblocale.h"
@@ -233,13 +234,24 @@ void ZBDate::recalculate()
     m_micro = micro;
 }
 
-bool ZBDate::from_string(const std::string& text, const ZBDate*, const ZBRepeatConfig*)
+bool ZBDate::from_string(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config)
 {
-    std::istringstream in(text);
-    ZBDate date;
-    in >> date;
-    *this = date;
-    return is_ok();
+    // A stored date (twelve digits or more, nothing else) is read as stored;
+    // shorter numbers are years and days in date text.
+    size_t first = text.find_first_not_of(" \t");
+    size_t last = text.find_last_not_of(" \t");
+    if (first != std::string::npos) {
+        std::string trimmed = text.substr(first, last - first + 1);
+        if (trimmed.size() >= 12 && trimmed.find_first_not_of("0123456789-") == std::string::npos) {
+            std::istringstream in(trimmed);
+            ZBDate date;
+            in >> date;
+            *this = date;
+            return is_ok();
+        }
+    }
+    *this = ZBDateParser::parse_date(text).apply(relative ? *relative : C_Blank, config);
+    return !is_invalid();
 }
 
 namespace {

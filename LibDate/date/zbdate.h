@@ -85,7 +85,9 @@ public:
     // Carries microseconds, seconds and days into their larger fields.
     void recalculate();
 
-    // Parsing of date text lives with the date parser; until then this reads the stored form only.
+    // Date text ("now +-1 Week", "9-Mar-2026 14:00") run on relative, or on now
+    // when relative is null; a stored date's digits are read as stored. False
+    // only when the result is invalid: empty text gives the blank date.
     bool from_string(const std::string& text, const ZBDate* relative = nullptr, const ZBRepeatConfig* config = nullptr);
     // The format codes of the locale's formats ("%a %d/%b/%Y %H:%M" and the like),
     // shown in the date's own zone; blank and invalid dates give an empty text.

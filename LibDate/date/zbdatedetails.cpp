@@ -189,7 +189,7 @@ void ZBDateDetails::add_seconds(std::int64_t seconds)
 
 bool ZBDateDetails::is_workday(const ZBDateDetails& details)
 {
-    return details.m_dayWeek >= 1 && details.m_dayWeek <= 5;
+    return zblocale().is_workday(details.m_dayWeek);
 }
 
 void ZBDateDetails::dump(std::ostream& out, int indent) const

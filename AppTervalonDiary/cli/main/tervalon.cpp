@@ -3,6 +3,7 @@
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
+#include "LibDate/date/zblocaleqt.h"
 
 #include <QCoreApplication>
 
@@ -19,6 +20,8 @@ int main(int argc, char** argv)
                                                    app->get_date(), app->get_release_tag(), app->get_tag());
     Tervalon::set_zbparam(param);
     param->add_config_file(param->default_user_config());
+    Tervalon::set_zblocale(new Tervalon::ZBLocaleQt());
+    Tervalon::zblocale().read_config();
     Tervalon::get_zberror().clear_all();
     std::vector<std::string> args(argv, argv + argc);
     Tervalon::TervalonCli cli;

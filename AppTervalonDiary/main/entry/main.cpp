@@ -1,6 +1,7 @@
 // The desktop program's entry point.
 #include "AppTervalonDiary/main/appdiary.h"
 #include "LibCore/error/zberror.h"
+#include "LibDate/date/zblocaleqt.h"
 #include "LibGui/qt/zbqtapp.h"
 
 int main(int argc, char** argv)
@@ -13,6 +14,8 @@ int main(int argc, char** argv)
     if (early >= 0)
         return early;
     Tervalon::ZBQtApp qtApp(argc, argv);
+    // The platform's formats and names; the start-up reads the user's own over them.
+    Tervalon::set_zblocale(new Tervalon::ZBLocaleQt());
     int status = 0;
     {
         Tervalon::AppDiary app(qtApp, argc, argv);

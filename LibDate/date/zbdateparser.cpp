@@ -1,0 +1,677 @@
+#include "LibDate/date/zbdateparser.h"
+#include "LibDate/date/zbdate.h"
+#include "LibDate/date/zbdatedetails.h"
+#include "LibDate/date/zbdateutils.h"
+#include "LibDate/date/zblocale.h"
+#include "LibDate/date/zbnumberwordsplitter.h"
+#include "LibCore/error/zberror.h"
+#include "LibCore/textstr/zbtextstr.h"
+#include "LibCore/textstr/zbtokenset.h"
+
+#include <cstdlib>
+
+namespace Tervalon {
+
+namespace {
+
+using T = ZBDateExpTerm;
+
+// Nine digits always fit an int; a longer number is no date anyone means.
+constexpr size_t C_MaxDigits = 9;
+constexpr int C_MaxWeeks = 100000000;
+
+bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool is_word_start(char c)
+{
+    unsigned char u = static_cast<unsigned char>(c);
+    return (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z') || u == '_' || u >= 0x80;
+}
+
+bool is_space(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+bool is_number_token(const std::string& token)
+{
+    return !token.empty() && is_digit(token[0]);
+}
+
+bool is_word_token(const std::string& token)
+{
+    return !token.empty() && is_word_start(token[0]);
+}
+
+bool is_date_separator(const std::string& token)
+{
+    return token == "-" || token == "/" || token == "." || token == ",";
+}
+
+// One parse: the tokens, the expression so far and a month named before its day.
+class Parse {
+public:
+    Parse(const std::string& text, ZBDateExp& exp) : m_exp(exp), m_locale(zblocale())
+    {
+        ZBDateParser::split_tokens(m_tokens, text);
+    }
+
+    void run()
+    {
+        while (true) {
+            m_tokens.pop_whitespace();
+            if (m_tokens.empty())
+                break;
+            const std::string token = m_tokens.first_token();
+            bool going = true;
+            if (is_word_token(token))
+                going = word();
+            else if (is_number_token(token))
+                going = number();
+            else
+                going = symbol(token);
+            if (!going)
+                return; // the terms so far stand; a pending month is dropped
+        }
+        if (m_pendingMonth >= 0)
+            m_exp.add_term(T::SetMonth, m_pendingMonth);
+    }
+
+private:
+    const std::string& peek()
+    {
+        m_tokens.pop_whitespace();
+        return m_tokens.first_token();
+    }
+
+    void drop_date_separator()
+    {
+        if (is_date_separator(peek()))
+            m_tokens.pop_token();
+    }
+
+    void invalid()
+    {
+        m_exp.set_defaults();
+        m_exp.add_term(T::Invalid, 0);
+    }
+
+    // A number token as an int; false (and the invalid expression) when it
+    // has more digits than an int holds.
+    bool take_number(int& value, int* digits = nullptr)
+    {
+        std::string token = m_tokens.pop_token();
+        if (token.size() > C_MaxDigits) {
+            invalid();
+            return false;
+        }
+        value = int(std::strtol(token.c_str(), nullptr, 10));
+        if (digits)
+            *digits = int(token.size());
+        return true;
+    }
+
+    bool handle_am_pm(int hour, int minute, int second, int micro, bool force, bool hourOnly)
+    {
+        bool am = m_tokens.match("AM");
+        bool pm = !am && m_tokens.match("PM");
+        if (!am && !pm && !force)
+            return false;
+        m_exp.add_term(T::SetHour, hour);
+        if (!hourOnly) {
+            m_exp.add_term(T::SetMinute, minute);
+            m_exp.add_term(T::SetSecond, second);
+            m_exp.add_term(T::SetMicro, micro);
+        }
+        if (am)
+            m_exp.add_term(T::AM, 1);
+        if (pm)
+            m_exp.add_term(T::PM, 1);
+        return am || pm;
+    }
+
+    bool word()
+    {
+        const std::string word = m_tokens.pop_token();
+        int weekday = m_locale.weekday_number(word);
+        if (weekday >= 0) {
+            m_exp.add_term(T::SetWeekday, weekday);
+            drop_date_separator();
+            return true;
+        }
+        int month = m_locale.month_number(word);
+        if (month >= 0) {
+            m_pendingMonth = month;
+            drop_date_separator();
+            return true;
+        }
+        if (word == "NEXT" || word == "LAST")
+            return next_or_last(word == "NEXT" ? 1 : -1);
+        if (word == "NOW")
+            m_exp.add_term(T::Now, 0);
+        else if (word == "TOMORROW" || word == "TOM")
+            m_exp.add_term(T::Tomorrow, 0);
+        else if (word == "YESTERDAY" || word == "YES")
+            m_exp.add_term(T::Yesterday, 0);
+        else if (word == "TODAY" || word == "TOD")
+            m_exp.add_term(T::Today, 0);
+        else if (word == "HOUR" || word == "MINUTE" || word == "SECOND" || word == "USECOND" || word == "WEEK")
+            return clock_field(word);
+        else if (word == "GMT" || word == "UTC")
+            return zone();
+        else if (word == "DST" || word == "NODST")
+            m_exp.add_term(T::SetDST, word == "DST" ? 1 : 0);
+        else if (word == "DEFAULTZONE")
+            m_exp.add_term(T::SetZone, ZBDate::C_DefaultTime);
+        else if (word == "LOCAL")
+            m_exp.add_term(T::SetZone, ZBDate::C_LocalTime);
+        else if (word == "WORKDAY")
+            m_exp.add_term(T::WorkDay, 0);
+        else if (word == "WORKDAYFOR")
+            m_exp.add_term(T::WorkDay, 0, tag());
+        else if (word == "FIXED")
+            m_exp.add_term(T::Fixed, 0);
+        else if (word == "FIXEDFOR")
+            m_exp.add_term(T::Fixed, 0, tag());
+        else {
+            invalid();
+            return false;
+        }
+        return true;
+    }
+
+    std::string tag()
+    {
+        m_tokens.pop_whitespace();
+        return m_tokens.pop_token();
+    }
+
+    bool next_or_last(int direction)
+    {
+        const std::string what = tag();
+        int weekday = m_locale.weekday_number(what);
+        if (weekday >= 0) {
+            m_exp.add_term(T::AddDay, 7 * direction);
+            m_exp.add_term(T::SetWeekday, weekday);
+            drop_date_separator();
+        } else if (what == "WEEK") {
+            m_exp.add_term(T::AddDay, 7 * direction);
+        } else if (what == "MONTH") {
+            m_exp.add_term(T::AddMonth, direction);
+        } else if (what == "YEAR") {
+            m_exp.add_term(T::AddYear, direction);
+        } else if (what == "WORKDAY") {
+            m_exp.add_term(T::WorkDay, direction);
+        } else if (what == "WORKDAYFOR") {
+            m_exp.add_term(T::WorkDay, direction, tag());
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+    bool clock_field(const std::string& word)
+    {
+        if (!is_number_token(peek()))
+            return false;
+        int value = 0;
+        if (!take_number(value))
+            return false;
+        if (word == "HOUR")
+            handle_am_pm(value, 0, 0, 0, true, true);
+        else if (word == "MINUTE")
+            m_exp.add_term(T::SetMinute, value);
+        else if (word == "SECOND")
+            m_exp.add_term(T::SetSecond, value);
+        else if (word == "USECOND")
+            m_exp.add_term(T::SetMicro, value);
+        else
+            m_exp.add_term(T::SetWeek, value - 1);
+        return true;
+    }
+
+    bool zone()
+    {
+        int sign = 1;
+        if (m_tokens.match('+'))
+            sign = 1;
+        else if (m_tokens.match('-'))
+            sign = -1;
+        int hours = 0;
+        int minutes = 0;
+        if (is_number_token(peek())) {
+            if (!take_number(hours))
+                return false;
+            if (m_tokens.match(':')) {
+                if (!is_number_token(peek()) || !take_number(minutes))
+                    return false;
+            }
+        }
+        if (hours > 12 || minutes > 59) {
+            invalid();
+            return false;
+        }
+        m_exp.add_term(T::SetZone, ZBDateUtils::seconds_to_zone(sign * (hours * 3600 + minutes * 60), false, false));
+        return true;
+    }
+
+    bool number()
+    {
+        int a = 0;
+        int lengthA = 0;
+        if (!take_number(a, &lengthA))
+            return false;
+        m_tokens.pop_whitespace();
+        const std::string next = m_tokens.first_token();
+        if (next == ":" || next == ";")
+            return clock(a);
+        // A separator counts only when a part of the date follows at once, so
+        // the point in "Jan 1." and the comma in "Jan 1, 14:00" are left alone.
+        if (is_date_separator(next)) {
+            const std::string& after = m_tokens.get_token(1);
+            if (is_number_token(after) || is_word_token(after))
+                return date(a, lengthA);
+        }
+        if (handle_am_pm(a, 0, 0, 0, false, false))
+            return true;
+        const std::string suffix = m_tokens.first_token();
+        if (suffix == "ST" || suffix == "ND" || suffix == "RD" || suffix == "TH") {
+            m_tokens.pop_token();
+            int weekday = is_word_token(peek()) ? m_locale.weekday_number(peek()) : -1;
+            if (weekday >= 0) {
+                m_tokens.pop_token();
+                m_exp.add_term(T::SetWeekday, T::encode_weekday_month(a - 1, weekday));
+            } else {
+                m_exp.add_term(T::SetDay, a - 1);
+            }
+            return true;
+        }
+        int month = is_word_token(suffix) ? m_locale.month_number(suffix) : -1;
+        if (month >= 0) {
+            m_tokens.pop_token();
+            m_exp.add_term(T::SetDay, a - 1);
+            m_exp.add_term(T::SetMonth, month);
+            m_tokens.match('.');
+            return true;
+        }
+        m_tokens.match('.');
+        if (a > 100) {
+            m_exp.add_term(T::SetYear, a);
+        } else if (m_pendingMonth >= 0) {
+            m_exp.add_term(T::SetDay, a - 1);
+            m_exp.add_term(T::SetMonth, m_pendingMonth);
+            m_pendingMonth = -1;
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+    bool clock(int hour)
+    {
+        m_tokens.pop_token();
+        int minute = 0;
+        int second = 0;
+        int micro = 0;
+        if (!is_number_token(peek()) || !take_number(minute))
+            return false;
+        if (m_tokens.match(':')) {
+            if (!is_number_token(peek()) || !take_number(second))
+                return false;
+            if (m_tokens.first_token() == "." && is_number_token(m_tokens.get_token(1))) {
+                m_tokens.pop_token();
+                std::string digits = m_tokens.pop_token();
+                if (digits.size() == 6) {
+                    micro = int(std::strtol(digits.c_str(), nullptr, 10));
+                } else {
+                    // A decimal fraction: ".5" is half a second.
+                    micro = int(std::strtod(("0." + digits).c_str(), nullptr) * ZBDate::C_MicroSecs);
+                }
+            }
+        }
+        handle_am_pm(hour, minute, second, micro, true, false);
+        return true;
+    }
+
+    bool date(int a, int lengthA)
+    {
+        m_tokens.pop_token(); // the separator
+        int b = -1;
+        int lengthB = 0;
+        int monthName = -1;
+        if (is_word_token(m_tokens.first_token())) {
+            monthName = m_locale.month_number(m_tokens.pop_token());
+            if (monthName < 0) {
+                invalid();
+                return false;
+            }
+        } else if (!take_number(b, &lengthB)) {
+            return false;
+        }
+        int c = -1;
+        int lengthC = 0;
+        if (is_date_separator(m_tokens.first_token()) && is_number_token(m_tokens.get_token(1))) {
+            m_tokens.pop_token();
+            if (!take_number(c, &lengthC))
+                return false;
+        }
+        // "Mar 5/2026": the month came first, so the number after the day is the year.
+        if (monthName < 0 && c < 0 && m_pendingMonth >= 0) {
+            monthName = m_pendingMonth;
+            c = b;
+            lengthC = lengthB;
+            m_pendingMonth = -1;
+        } else if (monthName >= 0) {
+            m_pendingMonth = -1;
+        }
+        const int style = m_locale.get_date_style();
+        int day = -1;
+        int month = -1;
+        int year = -1;
+        if (monthName < 0) {
+            month = b - 1;
+            if (c >= 0) {
+                if (lengthA >= 3) {
+                    day = c, month = b - 1, year = a;
+                } else if (lengthC >= 3) {
+                    if (style == 1)
+                        day = a, month = b - 1, year = c;
+                    else
+                        day = b, month = a - 1, year = c;
+                } else if (style == 2) {
+                    day = c, month = b - 1, year = ZBDateParser::adjusted_year(a, lengthA);
+                } else if (style == 1) {
+                    day = a, month = b - 1, year = ZBDateParser::adjusted_year(c, lengthC);
+                } else {
+                    day = b, month = a - 1, year = ZBDateParser::adjusted_year(c, lengthC);
+                }
+            } else if (style == 1) {
+                day = a, month = b - 1;
+            } else {
+                day = b, month = a - 1;
+            }
+        } else {
+            month = monthName;
+            if (c >= 0) {
+                if (lengthA >= 3)
+                    day = c, year = a;
+                else if (lengthC < 3 && style == 2)
+                    day = c, year = ZBDateParser::adjusted_year(a, lengthA);
+                else
+                    day = a, year = lengthC >= 3 ? c : ZBDateParser::adjusted_year(c, lengthC);
+            } else if (lengthA > 2) {
+                year = a; // "2026-Mar": a month of a year, the day kept
+            } else {
+                day = a;
+            }
+        }
+        if (day >= 0)
+            m_exp.add_term(T::SetDay, day - 1);
+        m_exp.add_term(T::SetMonth, month);
+        if (year >= 0)
+            m_exp.add_term(T::SetYear, year);
+        return true;
+    }
+
+    bool symbol(const std::string& token)
+    {
+        m_tokens.pop_token();
+        if (token == "+")
+            return offset();
+        if (token == "@") {
+            m_exp.add_term(T::Relative, 0, tag());
+            return true;
+        }
+        if (token == "(")
+            m_exp.add_term(T::Open, 0);
+        else if (token == "|")
+            m_exp.add_term(T::Or, 0);
+        else if (token == ")")
+            m_exp.add_term(T::Close, 0);
+        else if (token != "." && token != ",") {
+            // Also a '-' that is not between parts of a date: "+-" is the only minus.
+            invalid();
+            return false;
+        }
+        return true;
+    }
+
+    bool offset()
+    {
+        int sign = 1;
+        if (m_tokens.first_token() == "-") {
+            m_tokens.pop_token();
+            sign = -1;
+        }
+        int value = 0;
+        if (!is_number_token(peek()) || !take_number(value))
+            return false;
+        value *= sign;
+        const std::string unit = peek();
+        if (unit == ":") {
+            m_tokens.pop_token();
+            m_exp.add_term(T::AddHour, value);
+            int minutes = 0;
+            if (is_number_token(peek())) {
+                if (!take_number(minutes))
+                    return false;
+                m_exp.add_term(T::AddMinute, sign * minutes);
+                int seconds = 0;
+                if (m_tokens.first_token() == ":" && is_number_token(m_tokens.get_token(1))) {
+                    m_tokens.pop_token();
+                    if (!take_number(seconds))
+                        return false;
+                    m_exp.add_term(T::AddSecond, sign * seconds);
+                }
+            }
+            return true;
+        }
+        if (!is_word_token(unit))
+            return true;
+        m_tokens.pop_token();
+        // The first prefix that fits decides, so "WORKDAY" takes "WORKDAYFOR"
+        // too and its tag is then read as a word of its own.
+        if (ZBDateParser::compare_token(unit, "US"))
+            m_exp.add_term(T::AddMicro, value);
+        else if (ZBDateParser::compare_token(unit, "S"))
+            m_exp.add_term(T::AddSecond, value);
+        else if (ZBDateParser::compare_token(unit, "MI"))
+            m_exp.add_term(T::AddMinute, value);
+        else if (ZBDateParser::compare_token(unit, "H"))
+            m_exp.add_term(T::AddHour, value);
+        else if (ZBDateParser::compare_token(unit, "D"))
+            m_exp.add_term(T::AddDay, value);
+        else if (ZBDateParser::compare_token(unit, "WORKDAY"))
+            m_exp.add_term(T::WorkDay, value);
+        else if (ZBDateParser::compare_token(unit, "W")) {
+            // Weeks are counted in days; a count whose days overflow is no date.
+            if (value > C_MaxWeeks || value < -C_MaxWeeks) {
+                invalid();
+                return false;
+            }
+            m_exp.add_term(T::AddDay, 7 * value);
+        }
+        else if (ZBDateParser::compare_token(unit, "MO"))
+            m_exp.add_term(T::AddMonth, value);
+        else if (ZBDateParser::compare_token(unit, "Y"))
+            m_exp.add_term(T::AddYear, value);
+        return true;
+    }
+
+    ZBTokenSet m_tokens;
+    ZBDateExp& m_exp;
+    const ZBLocale& m_locale;
+    int m_pendingMonth = -1;
+};
+
+std::string cleaned(const std::string& text)
+{
+    const ZBLocale& locale = zblocale();
+    std::string out = locale.get_defaultlocale() ? text : locale.clean_date_string(text);
+    std::string squeezed;
+    squeezed.reserve(out.size());
+    bool space = false;
+    for (char c : out) {
+        if (is_space(c)) {
+            space = !squeezed.empty();
+            continue;
+        }
+        if (space)
+            squeezed += ' ';
+        space = false;
+        squeezed += c;
+    }
+    return squeezed;
+}
+
+} // namespace
+
+ZBDateExp ZBDateParser::parse_date(const std::string& text)
+{
+    ZBDateExp exp;
+    const std::string clean = cleaned(text);
+    if (clean.empty()) {
+        exp.add_term(T::Blank, 0);
+        return exp;
+    }
+    Parse(clean, exp).run();
+    return exp;
+}
+
+void ZBDateParser::split_tokens(ZBTokenSet& tokens, const std::string& text)
+{
+    tokens.remove_all();
+    const int size = int(text.size());
+    int pos = 0;
+    while (pos < size) {
+        char c = text[size_t(pos)];
+        if (is_digit(c)) {
+            int end = pos;
+            while (end < size && is_digit(text[size_t(end)]))
+                ++end;
+            tokens.push_token(text.substr(size_t(pos), size_t(end - pos)), 1);
+            pos = end;
+        } else if (is_space(c)) {
+            pos = tokens.push_whitespace(text, pos, 1);
+        } else if (is_word_start(c)) {
+            int end = tokens.push_alpha(text, pos, true, 1);
+            if (end == pos) {
+                tokens.push_token(c, 1);
+                ++pos;
+            } else {
+                pos = end;
+            }
+        } else {
+            tokens.push_token(c, 1);
+            ++pos;
+        }
+    }
+}
+
+void ZBDateParser::split_tokens(std::vector<std::string>& tokens, const std::string& text)
+{
+    ZBNumberWordSplitter::split(text, tokens);
+}
+
+bool ZBDateParser::compare_token(const std::string& token, const std::string& prefix, char from, char to)
+{
+    if (token.size() < prefix.size() || token.compare(0, prefix.size(), prefix) != 0)
+        return false;
+    if (from == 0 && to == 0)
+        return true;
+    return !token.empty() && token[0] >= from && token[0] <= to;
+}
+
+int ZBDateParser::adjusted_year(int year, int digits)
+{
+    if (digits > 2)
+        return year;
+    int thisYear = ZBDateDetails(ZBDateUtils::now(), ZBDate::C_DefaultTime).m_year;
+    int result = thisYear / 100 * 100 + year;
+    if (result > thisYear + 10)
+        result -= 100;
+    return result;
+}
+
+std::string ZBDateParser::impossible_field(const ZBDateExp& exp, const ZBDate& start)
+{
+    const int n = exp.size();
+    for (int i = 0; i < n; ++i) {
+        const ZBDateExpTerm& term = exp.get_term(i);
+        int next = i + 1 < n ? exp.get_term(i + 1).m_type : -1;
+        bool twelveHour = next == T::AM || next == T::PM;
+        for (int j = i + 1; j < n && j <= i + 4 && !twelveHour; ++j)
+            twelveHour = exp.get_term(j).m_type == T::AM || exp.get_term(j).m_type == T::PM;
+        switch (term.m_type) {
+        case T::SetHour:
+            if (term.m_value > 23 || (twelveHour && (term.m_value < 1 || term.m_value > 12)))
+                return zb_sprintf("There is no hour %d.", term.m_value);
+            break;
+        case T::SetMinute:
+            if (term.m_value > 59)
+                return zb_sprintf("There is no minute %d.", term.m_value);
+            break;
+        case T::SetSecond:
+            if (term.m_value > 59)
+                return zb_sprintf("There is no second %d.", term.m_value);
+            break;
+        case T::SetMonth:
+            if (term.m_value < 0 || term.m_value > 11)
+                return zb_sprintf("There is no month %d.", term.m_value + 1);
+            break;
+        case T::SetDay: {
+            if (term.m_value < 0)
+                return "There is no day 0.";
+            if (next != T::SetMonth) {
+                if (term.m_value > 30)
+                    return zb_sprintf("No month has a day %d.", term.m_value + 1);
+                break;
+            }
+            int month = exp.get_term(i + 1).m_value;
+            if (month < 0 || month > 11)
+                break; // the month's own check says why
+            int year = ZBDateDetails(start.is_ok() ? start : ZBDateUtils::now(), ZBDate::C_DefaultTime).m_year;
+            if (i + 2 < n && exp.get_term(i + 2).m_type == T::SetYear)
+                year = exp.get_term(i + 2).m_value;
+            int length = ZBDateUtils::days_in_month(month, year);
+            if (term.m_value >= length)
+                return zb_sprintf("%s %d has %d days.", ZBLocale::english_month(month).c_str(), year, length);
+            break;
+        }
+        case T::SetWeekday:
+            if (term.m_value > 9) {
+                int weekNo = 0;
+                int weekday = 0;
+                T::decode_weekday_month(term.m_value, weekNo, weekday);
+                if (weekNo < 0 || weekNo > 5)
+                    return zb_sprintf("There is no %d%s weekday in a month.", weekNo + 1,
+                                      ZBLocale::get_ordinal(weekNo + 1, false).c_str());
+            }
+            break;
+        default: break;
+        }
+    }
+    return std::string();
+}
+
+int ZBDateParser::read_checked(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config,
+                               ZBDate& result)
+{
+    result = ZBDate(ZBDate::E_Blank);
+    ZBDateExp exp = parse_date(text);
+    const ZBDate start = relative ? *relative : ZBDate(ZBDate::E_Blank);
+    if (exp.is_invalid())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str());
+    std::string why = impossible_field(exp, start);
+    if (!why.empty())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s. %s", text.c_str(), why.c_str());
+    result = exp.apply(start, config);
+    if (result.is_invalid())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str());
+    return ZBErrC_ok;
+}
+
+} // namespace Tervalon
