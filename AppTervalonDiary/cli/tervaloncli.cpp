@@ -2,6 +2,7 @@
 #include "AppTervalonDiary/cli/cmdcheck.h"
 #include "AppTervalonDiary/cli/cmdcreate.h"
 #include "AppTervalonDiary/cli/cmddump.h"
+#include "AppTervalonDiary/cli/cmdrepeat.h"
 #include "AppTervalonDiary/cli/cmdrewrite.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
@@ -19,6 +20,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdCheck()));
     add_command(std::unique_ptr<CliCommand>(new CmdRewrite()));
     add_command(std::unique_ptr<CliCommand>(new CmdDump()));
+    add_command(std::unique_ptr<CliCommand>(new CmdRepeat()));
 }
 
 TervalonCli::~TervalonCli() = default;
