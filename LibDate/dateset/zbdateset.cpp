@@ -361,7 +361,8 @@ ZBDuration ZBDateSet::duration() const
 
 bool ZBDateSet::match(const ZBDate& date) const
 {
-    for (int i = safe_find(date, 0, true); i < m_entry.size(); ++i) {
+    // An entry that ends exactly at date still holds it.
+    for (int i = std::max(0, safe_find(date, 0, true) - 1); i < m_entry.size(); ++i) {
         const ZBDateSetEntry* entry = m_entry[i];
         if (entry->m_start > date)
             break;
