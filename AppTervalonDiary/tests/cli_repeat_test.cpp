@@ -11,18 +11,20 @@ using namespace Tervalon;
 
 namespace {
 
-struct Run {
+struct CliRun {
     int status;
     std::string out;
     std::string err;
 };
 
-Run run(const std::vector<std::string>& args)
+CliRun run_cli(const std::vector<std::string>& args)
 {
     std::ostringstream out;
     std::ostringstream err;
     TervalonCli cli;
-    int status = cli.run(args, out, err);
+    std::vector<std::string> argv = {"tervalon"};
+    argv.insert(argv.end(), args.begin(), args.end());
+    int status = cli.run(argv, out, err);
     return {status, out.str(), err.str()};
 }
 
@@ -30,7 +32,7 @@ Run run(const std::vector<std::string>& args)
 
 TEST(CliRepeat, PrintsWordsThenInstances)
 {
-    Run r = run({"repeat", "T=3@N=1@D=1,3", "--from", "2026-03-02T08:00:00Z", "--count", "3"});
+    CliRun r = run_cli({"repeat", "T=3@N=1@D=1,3", "--from", "2026-03-02T08:00:00Z", "--count", "3"});
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("Every week on Mon, Wed\n"
               "2026-03-04T08:00:00Z\t2026-03-09T08:00:00Z\n"
@@ -42,7 +44,7 @@ TEST(CliRepeat, PrintsWordsThenInstances)
 TEST(CliRepeat, DefaultsToNowAndTenInstances)
 {
     ZBDateUtils::set_fixed_now(ZBDate(2026, 2, 1, 8, 0, 0, 0, ZBDate::C_GMT));
-    Run r = run({"repeat", "T=2@N=1@O=3610"});
+    CliRun r = run_cli({"repeat", "T=2@N=1@O=3610"});
     ZBDateUtils::clear_fixed_now();
     EXPECT_EQ(0, r.status) << r.err;
     std::istringstream lines(r.out);
@@ -67,7 +69,7 @@ TEST(CliRepeat, BadInputIsAUserError)
         {{"repeat"}, nullptr},
     };
     for (const auto& row : rows) {
-        Run r = run(row.args);
+        CliRun r = run_cli(row.args);
         EXPECT_EQ(1, r.status);
         EXPECT_TRUE(r.out.empty()) << r.out;
         if (row.err)
@@ -96,7 +98,8 @@ TEST(CliRepeat, ReadsIsoMoments)
         ZBDate date;
         bool ok = CmdRepeat::parse_iso(row.text, date);
         EXPECT_EQ(row.iso != nullptr, ok) << row.text;
-        if (row.iso && ok)
+        if (row.iso && ok) {
             EXPECT_EQ(row.iso, date.to_iso()) << row.text;
+        }
     }
 }
