@@ -4,6 +4,7 @@
 #include "AppTervalonDiary/cli/cmddate.h"
 #include "AppTervalonDiary/cli/cmdduration.h"
 #include "AppTervalonDiary/cli/cmddump.h"
+#include "AppTervalonDiary/cli/cmdrepeat.h"
 #include "AppTervalonDiary/cli/cmdrewrite.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
@@ -23,6 +24,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdDump()));
     add_command(std::unique_ptr<CliCommand>(new CmdDate()));
     add_command(std::unique_ptr<CliCommand>(new CmdDuration()));
+    add_command(std::unique_ptr<CliCommand>(new CmdRepeat()));
 }
 
 TervalonCli::~TervalonCli() = default;

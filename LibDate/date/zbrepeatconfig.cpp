@@ -14,4 +14,10 @@ bool ZBRepeatConfig::is_workday(const ZBDateDetails&, const std::string&) const
     return true;
 }
 
+void ZBRepeatConfig::get_timetypes(std::vector<int>& ids, std::vector<std::string>& names) const
+{
+    ids.clear();
+    names.clear();
+}
+
 } // namespace Tervalon

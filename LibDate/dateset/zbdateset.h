@@ -1,0 +1,98 @@
+#pragma once
+
+#include "LibDate/dateset/zbdatesetentry.h"
+#include "LibObject/object/zbobject.h"
+
+#include <iosfwd>
+#include <string>
+
+namespace Tervalon {
+
+// An ordered set of typed time spans: free work time, booked time, repeat
+// instances. The planner draws time out of such sets for every task on every
+// recalculation, so each operation finds its place by binary search from a
+// hint and merges only around the entry it touched.
+//
+// After any public operation except bulk_add there is no zero-length entry
+// and no two neighbouring entries of one type overlap or touch. Entries of
+// different types may overlap. The set owns its entries; it belongs to one
+// thread at a time.
+class ZBDateSet : public ZBObject {
+public:
+    ZBDateSet();
+    ZBDateSet(const ZBDateSet& other);
+    ~ZBDateSet() override;
+    ZBDateSet& operator=(const ZBDateSet& other);
+    bool operator==(const ZBDateSet& other) const;
+    bool operator!=(const ZBDateSet& other) const { return !(*this == other); }
+
+    void dump(std::ostream& out, int indent) const override;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
+    void register_zbobject() override;
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+    void set_defaults(bool all) override;
+
+    // Adding.
+    int add(const ZBDateSlot& slot, int type);
+    int add(const ZBDateSet& other);
+    // Adds the other set's entries and empties it.
+    int add_return(ZBDateSet& other);
+    // Only queues: the set is out of order until finish_bulk_add.
+    void bulk_add(const ZBDateSlot& slot, int type);
+    int finish_bulk_add();
+    // Inserts at the place found from hint and merges with the neighbours
+    // only; gives the index of the entry that holds the slot, -1 if nothing
+    // was added.
+    int safe_add(const ZBDateSlot& slot, int type, int hint = 0, bool useFind = true);
+
+    // Taking away; type -1 takes from every type.
+    int subtract(const ZBDateSlot& slot, int type);
+    int subtract(const ZBDateSet& other);
+    int erase(int index);
+    void clear();
+
+    int size() const { return m_entry.size(); }
+    bool empty() const { return m_entry.empty(); }
+    const ZBDateSetEntry* operator[](int index) const { return m_entry.at(index); }
+    int bulk_size() const { return m_bulkSlot.size(); }
+
+    // Queries.
+    ZBDate start() const;
+    ZBDate end() const;
+    ZBDuration duration() const;
+    bool match(const ZBDate& date) const;
+    bool has_range(const ZBDateSlot& slot, int type) const;
+    ZBDuration query_range(const ZBDateSlot& slot, int type) const;
+    // The parts of the set that lie in slot, with their types.
+    int query_range(const ZBDateSlot& slot, ZBDateSet& outSet) const;
+    ZBDate time_after(const ZBDuration& duration) const;
+    ZBDate time_after(const ZBDate& date, const ZBDuration& duration) const;
+    ZBDate time_before(const ZBDate& date, const ZBDuration& duration) const;
+    // Index of the first entry whose end is at or after date, from index
+    // from on; size() when date is at or past the set's end.
+    int safe_find(const ZBDate& date, int from = 0, bool binary = true) const;
+    // Index of the last entry whose start is at or before date, from index
+    // from (-1: the last) back; -1 when date is at or before the set's start.
+    int safe_rfind(const ZBDate& date, int from = -1, bool binary = true) const;
+
+    // Moves up to duration of time into returnSet, from earliest forwards or
+    // from latest backwards; gives what was moved.
+    ZBDuration allocate(ZBDateSet& returnSet, const ZBDuration& duration, const ZBDate& earliest,
+                        const ZBDate& latest, bool backwards);
+
+    bool get_keepduration() const { return m_keepDuration; }
+    void set_keepduration(bool keep) { m_keepDuration = keep; }
+    // Drops empty entries, sorts if asked, and merges neighbours of one type.
+    int cleanup(bool sort);
+
+private:
+    int insert_sorted(ZBDateSetEntry* entry, int from, bool binary);
+    int merge_around(int index);
+    void carve(int index, const ZBDateSlot& taken, int& next);
+
+    ZBPtrArray<ZBDateSetEntry> m_entry;
+    ZBPtrArray<ZBDateSetEntry> m_bulkSlot;
+    bool m_keepDuration;
+};
+
+} // namespace Tervalon
