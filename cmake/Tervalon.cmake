@@ -29,14 +29,25 @@ function(tervalon_add_tests folder)
   set(target ${folder}_tests)
   add_executable(${target} ${tests})
   get_property(libs GLOBAL PROPERTY TERVALON_TEST_LIBS_${folder})
-  target_link_libraries(${target} PRIVATE ${libs} TervalonTestSupport GTest::gtest)
+  get_property(gui GLOBAL PROPERTY TERVALON_TEST_GUI_${folder})
+  if(gui)
+    set(support TervalonTestSupportGui)
+  else()
+    set(support TervalonTestSupport)
+  endif()
+  target_link_libraries(${target} PRIVATE ${libs} ${support} GTest::gtest)
   target_compile_definitions(${target} PRIVATE TERVALON_TEST_DATA="${CMAKE_SOURCE_DIR}/${folder}/tests/data")
   gtest_discover_tests(${target}
     DISCOVERY_MODE PRE_TEST
-    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TZ=UTC;ASAN_OPTIONS=detect_leaks=0")
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TZ=UTC")
 endfunction()
 
 # Records which libraries a folder's tests link against.
 function(tervalon_test_libs folder)
   set_property(GLOBAL PROPERTY TERVALON_TEST_LIBS_${folder} ${ARGN})
+endfunction()
+
+# The tests of a folder that holds windows run under a QApplication.
+function(tervalon_test_gui folder)
+  set_property(GLOBAL PROPERTY TERVALON_TEST_GUI_${folder} ON)
 endfunction()
