@@ -467,8 +467,8 @@ int DiaryEntry::mark_complete(const ZBDate& date)
         m_repeat.invalidate();
         // The series is anchored on the instance's own date, so that an early
         // or late completion does not shift the dates that follow.
-        ZBDate next = base.is_ok() ? base : date;
-        for (int i = 0; i < ZBDateRepeat::C_MaxSteps && !(date < next); ++i) {
+        ZBDate next = m_repeat.next_date(base.is_ok() ? base : date, this);
+        for (int i = 0; i < ZBDateRepeat::C_MaxSteps && next.is_ok() && !(date < next); ++i) {
             ZBDate further = m_repeat.next_date(next, this);
             if (!(next < further)) {
                 next = ZBDate::C_Blank;
