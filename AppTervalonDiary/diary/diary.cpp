@@ -65,6 +65,7 @@ void Diary::dump(std::ostream& out, int indent) const
     }
     m_settings.dump(out, indent + 1);
     m_calendar.dump(out, indent + 1);
+    ZBDatabase::dump(out, indent + 1);
 }
 
 int Diary::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
