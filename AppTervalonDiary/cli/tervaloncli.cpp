@@ -1,5 +1,11 @@
 #include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/cli/cmdadd.h"
 #include "AppTervalonDiary/cli/cmdcheck.h"
+#include "AppTervalonDiary/cli/cmddone.h"
+#include "AppTervalonDiary/cli/cmdpostpone.h"
+#include "AppTervalonDiary/cli/cmdrm.h"
+#include "AppTervalonDiary/cli/cmdset.h"
+#include "AppTervalonDiary/cli/cmdtree.h"
 #include "AppTervalonDiary/cli/cmdcreate.h"
 #include "AppTervalonDiary/cli/cmddate.h"
 #include "AppTervalonDiary/cli/cmdduration.h"
@@ -25,6 +31,12 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdDate()));
     add_command(std::unique_ptr<CliCommand>(new CmdDuration()));
     add_command(std::unique_ptr<CliCommand>(new CmdRepeat()));
+    add_command(std::unique_ptr<CliCommand>(new CmdAdd()));
+    add_command(std::unique_ptr<CliCommand>(new CmdTree()));
+    add_command(std::unique_ptr<CliCommand>(new CmdDone()));
+    add_command(std::unique_ptr<CliCommand>(new CmdPostpone()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSet()));
+    add_command(std::unique_ptr<CliCommand>(new CmdRm()));
 }
 
 TervalonCli::~TervalonCli() = default;

@@ -1,5 +1,5 @@
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
-#include "LibDatabase/db/zbdatabase.h"
+#include "AppTervalonDiary/diary/diary.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/error/zberrhandlerlogfile.h"
 
@@ -35,7 +35,7 @@ void AppDiaryInfo::setup_cli_errors(ZBApplication& app)
 
 ZBDatabase* AppDiaryInfo::make_database()
 {
-    ZBDatabase* db = ZBDBFactory<ZBDatabase>::create_instance();
+    ZBDatabase* db = ZBDBFactory<Diary>::create_instance();
     db->set_expected_app_type(C_Application);
     return db;
 }

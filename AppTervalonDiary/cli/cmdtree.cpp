@@ -1,0 +1,48 @@
+#include "AppTervalonDiary/cli/cmdtree.h"
+#include "AppTervalonDiary/cli/clidiary.h"
+#include "AppTervalonDiary/diary/diary.h"
+
+#include <cstdio>
+#include <ostream>
+#include <string>
+
+namespace Tervalon {
+
+namespace {
+void print_entry(std::string& text, const DiaryEntry& entry, int depth)
+{
+    text.append(size_t(depth) * 2, ' ');
+    text += std::to_string(entry.get_id());
+    text += ' ';
+    text += entry.get_entrytype();
+    text += ' ';
+    text += entry.get_summary();
+    const ZBDate& due = entry.get_due().calc;
+    if (due.is_ok()) {
+        text += "  due ";
+        text += due.to_string("%Y-%m-%d %H:%M");
+    }
+    char percent[32];
+    std::snprintf(percent, sizeof(percent), "  %g%%", entry.get_duration().orig.get_completion());
+    text += percent;
+    text += '\n';
+    for (const DiaryEntry* child : entry.get_children())
+        print_entry(text, *child, depth + 1);
+}
+} // namespace
+
+int CmdTree::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::string>&)
+{
+    Diary* diary = nullptr;
+    if (iszbwarn(CliDiary::get_diary(db, diary)) || iszbwarn(diary->recalculate(ZBDatabase::E_RecalcQuick)))
+        return report_failure(context, zberrorvalue());
+    // One string and one write: the tree of a large diary is printed in one go.
+    std::string text;
+    for (int i = 0; i < diary->get_nentries(); ++i)
+        print_entry(text, *diary->get_entry_index(i), 0);
+    context.out << text;
+    context.out.flush();
+    return 0;
+}
+
+} // namespace Tervalon

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "AppTervalonDiary/diary/diaryentry.h"
+#include "AppTervalonDiary/diary/diaryimport.h"
+#include "AppTervalonDiary/diary/diarysettings.h"
+#include "AppTervalonDiary/diary/recalculatemgr.h"
+#include "AppTervalonDiary/diary/resource.h"
+#include "AppTervalonDiary/diary/resourcecalendar.h"
+#include "AppTervalonDiary/diary/timetype.h"
+#include "LibDatabase/db/zbdatabase.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+// The planning database: the tree of entries, the resources and time types
+// the planner books against, the default calendar and the file's settings.
+// It owns every object through the database; the containers are views.
+class Diary : public ZBDatabase, public ZBDBFactory<Diary> {
+public:
+    enum E_Mode { E_ModeDiary = 0, E_ModeProject = 1, E_ModeNotes = 2 };
+    static constexpr int C_FileVersion = 15;
+    static constexpr int C_NotifyMayOverSpend = 200;
+    static constexpr int C_NotifyShouldStart = 300;
+    static constexpr int C_NotifyDelayed = 400;
+    static constexpr int C_NotifyOverSpend = 500;
+    static constexpr int C_NotifyUrgent = 600;
+    static constexpr int C_NotifyReminder = 700;
+    static constexpr int C_NotifyClash = 800;
+    static constexpr int C_NotifyOverdue = 900;
+    static int ZBErrC_CircularDependancy;
+    static int ZBErrC_InUse;
+
+    static E_Mode m_appMode;
+    static bool is_project() { return m_appMode == E_ModeProject; }
+    // The application type a file of the current mode carries.
+    static std::string mode_app_type();
+
+    Diary();
+    ~Diary() override;
+
+    void dump(std::ostream& out, int indent) const override;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
+    void register_zbobject() override;
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+    int current_appfileversion() const override { return C_FileVersion; }
+    int initialise(bool created) override;
+    int recalculate(E_RecalcLevel level) override;
+    void containers_resolved() override;
+    int create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out) override;
+
+    // Makes an entry of a type under parent (null: the top level).
+    int create_entry(DiaryEntry* parent, char type, const std::string& title, DiaryEntry** out);
+
+    // Entries.
+    int get_nentries() const { return m_entries.size(); }
+    DiaryEntry* get_entry_index(int index) const { return m_entries.get(index); }
+    DiaryEntry* get_entry_id(int id) const;
+    int query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& result, int order, int depth) const;
+    // Entry titles of people, or resource names; nothing for any other name.
+    std::vector<std::string> get_system_references(const std::string& name) const;
+
+    // Resources.
+    int get_nresources() const { return m_resources.size(); }
+    Resource* get_resource_by_index(int index) const { return m_resources.get(index); }
+    Resource* get_resource_by_id(int id) const { return m_resources.find_id(id); }
+    Resource* get_resource_by_name(const std::string& name) const;
+    int get_default_resource_id() const { return m_resources.size() ? m_resources.get(0)->get_id() : -1; }
+    int add_resource(const std::string& name, Resource** out);
+    // The title of an entry that has the resource as its own, empty when none.
+    std::string resource_used(int id) const;
+    int delete_resource(int id);
+
+    // Time types.
+    int get_ntimetypes() const { return m_timeTypes.size(); }
+    TimeType* get_timetype_by_index(int index) const { return m_timeTypes.get(index); }
+    TimeType* get_timetype_by_id(int id) const { return m_timeTypes.find_id(id); }
+    TimeType* get_timetype_by_name(const std::string& name) const;
+    std::string get_timetype_name_by_id(int id) const;
+    int add_timetype(const std::string& name, TimeType** out);
+    // Whether anything still needs the time type; what does goes to text.
+    bool timetype_is_used(int id, std::string& text) const;
+    int delete_timetype(int id);
+
+    const ResourceCalendar& get_calendar() const { return m_calendar; }
+    ResourceCalendar& edit_calendar() { return m_calendar; }
+    const DiarySettings& get_settings() const { return m_settings; }
+    DiarySettings& edit_settings() { return m_settings; }
+    const RecalculateMgr& get_recalc_mgr() const { return m_recalcMgr; }
+    void force_recalculate(bool structure, bool immediate, bool foreground, bool availability);
+    int get_recalc_count() const { return m_recalcMgr.get_recalc_count(); }
+    int get_session_id() const { return m_sessionId; }
+    void set_session_id(int id) { m_sessionId = id; }
+    bool has_plans() const { return m_hasPlans; }
+
+    bool is_delayed_range(int resource, const ZBDate& date) const;
+    void set_delayed_range(int resource, const ZBDate& date);
+
+private:
+    int recalculate_entry(DiaryEntry& entry);
+    void setup_default_calendar();
+
+    ZBDBContainer<DiaryEntry> m_entries;
+    ZBDBContainer<Resource> m_resources;
+    ZBDBContainer<TimeType> m_timeTypes;
+    ResourceCalendar m_calendar;
+    bool m_hasPlans;
+    DiarySettings m_settings;
+    int m_sessionId;
+    RecalculateMgr m_recalcMgr;
+    DiaryImport m_diaryImport;
+    std::string m_userData;
+    std::map<int, ZBDate> m_delayed;
+};
+
+} // namespace Tervalon

@@ -1,0 +1,869 @@
+#include "AppTervalonDiary/diary/diaryentry.h"
+#include "AppTervalonDiary/diary/diary.h"
+#include "LibDate/date/zbdateparser.h"
+#include "LibDate/date/zbdateutils.h"
+#include "LibObject/object/zbdump.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <ostream>
+
+namespace Tervalon {
+
+namespace {
+const ZBObjectPreReg g_register("DiaryEntry", &DiaryEntry::create_zbobject);
+
+// The order in which compare_application puts entries of different types.
+int application_rank(char type)
+{
+    static const char order[] = "ATDPLJ";
+    const char* at = std::strchr(order, type);
+    return type && at ? int(at - order) : 6;
+}
+
+bool is_blank_token(const std::string& text)
+{
+    std::string lower;
+    for (char c : text)
+        if (c != ' ')
+            lower += char(std::tolower(static_cast<unsigned char>(c)));
+    return lower == "blank";
+}
+} // namespace
+
+const char* const DiaryEntry::C_EntryTag = "E";
+const char* const DiaryEntry::C_TriggerStart = "start";
+const char* const DiaryEntry::C_TriggerStop = "stop";
+const char* const DiaryEntry::C_TriggerComplete = "complete";
+const char* const DiaryEntry::C_TriggerReopen = "reopen";
+const char* const DiaryEntry::C_CompactSeparator = "\n---\n";
+
+DiaryEntry::DiaryEntry() : m_children(C_EntryTag)
+{
+    DiaryEntry::register_zbobject();
+    DiaryEntry::set_defaults(true);
+    attach_facets();
+}
+
+DiaryEntry::DiaryEntry(const DiaryEntry& other)
+    : ZBDBObject(other), ZBRepeatConfig(other), m_summary(other.m_summary), m_text(other.m_text), m_time(other.m_time),
+      m_startAfter(other.m_startAfter), m_startSource(other.m_startSource), m_dueDate(other.m_dueDate),
+      m_dueSource(other.m_dueSource), m_priorityPair(other.m_priorityPair), m_prioritySource(other.m_prioritySource),
+      m_progress(other.m_progress), m_repeat(other.m_repeat), m_bookmark(other.m_bookmark),
+      m_preserve(other.m_preserve), m_entryType(other.m_entryType), m_props(other.m_props),
+      m_dueFacet(other.m_dueFacet), m_baseline(other.m_baseline), m_erepeat(other.m_erepeat),
+      m_oldRepeat(other.m_oldRepeat), m_priority(other.m_priority), m_spent(other.m_spent), m_etime(other.m_etime),
+      m_plan(other.m_plan), m_depend(other.m_depend), m_command(other.m_command),
+      m_needRecalculate(other.m_needRecalculate), m_lastRecalculate(other.m_lastRecalculate),
+      m_timeQuery(other.m_timeQuery), m_planStart(other.m_planStart), m_children(C_EntryTag)
+{
+    DiaryEntry::register_zbobject();
+    attach_facets();
+}
+
+DiaryEntry::~DiaryEntry() = default;
+
+DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
+{
+    if (this == &other)
+        return *this;
+    ZBDBObject::operator=(other);
+    m_summary = other.m_summary;
+    m_text = other.m_text;
+    m_time = other.m_time;
+    m_startAfter = other.m_startAfter;
+    m_startSource = other.m_startSource;
+    m_dueDate = other.m_dueDate;
+    m_dueSource = other.m_dueSource;
+    m_priorityPair = other.m_priorityPair;
+    m_prioritySource = other.m_prioritySource;
+    m_progress = other.m_progress;
+    m_repeat = other.m_repeat;
+    m_bookmark = other.m_bookmark;
+    m_preserve = other.m_preserve;
+    m_entryType = other.m_entryType;
+    m_props = other.m_props;
+    m_dueFacet = other.m_dueFacet;
+    m_baseline = other.m_baseline;
+    m_erepeat = other.m_erepeat;
+    m_oldRepeat = other.m_oldRepeat;
+    m_priority = other.m_priority;
+    m_spent = other.m_spent;
+    m_etime = other.m_etime;
+    m_plan = other.m_plan;
+    m_depend = other.m_depend;
+    m_command = other.m_command;
+    m_needRecalculate = other.m_needRecalculate;
+    m_lastRecalculate = other.m_lastRecalculate;
+    m_timeQuery = other.m_timeQuery;
+    m_planStart = other.m_planStart;
+    attach_facets();
+    return *this;
+}
+
+void DiaryEntry::attach_facets()
+{
+    m_props.attach(this);
+    m_dueFacet.attach(this);
+    m_baseline.attach(this);
+    m_erepeat.attach(this);
+    m_priority.attach(this);
+    m_spent.attach(this);
+    m_etime.attach(this);
+    m_plan.attach(this);
+    m_depend.attach(this);
+    m_command.attach(this);
+    if (!get_container(C_EntryTag))
+        add_container(m_children);
+}
+
+void DiaryEntry::register_zbobject()
+{
+    register_objectname("DiaryEntry", &DiaryEntry::create_zbobject);
+}
+
+int DiaryEntry::create_zbobject(ZBObject*& out, const ZBObject* from)
+{
+    return create_as<DiaryEntry>(out, from, "DiaryEntry");
+}
+
+void DiaryEntry::set_defaults(bool all)
+{
+    if (all)
+        ZBDBObject::set_defaults(all);
+    m_summary.clear();
+    m_text.clear();
+    m_time = ZBCalcPair<ZBDateSlot>();
+    m_startAfter = ZBCalcPair<ZBDate>(ZBDate::C_Blank);
+    m_startSource = -1;
+    m_dueDate = ZBCalcPair<ZBDate>(ZBDate::C_Blank);
+    m_dueSource = -1;
+    m_priorityPair = ZBCalcPair<double>(0.0);
+    m_prioritySource = -1;
+    m_progress = ZBCalcPair<ZBProgress>();
+    m_repeat.set_defaults(true);
+    m_bookmark = false;
+    m_preserve = false;
+    m_entryType = ZBCalcPair<char>('O');
+    m_props.set_defaults(all);
+    m_dueFacet.set_defaults(all);
+    m_baseline.set_defaults(all);
+    m_erepeat.set_defaults(all);
+    m_oldRepeat.set_defaults(true);
+    m_priority.set_defaults(all);
+    m_spent.set_defaults(all);
+    m_etime.set_defaults(all);
+    m_plan.set_defaults(all);
+    m_depend.set_defaults(all);
+    m_command.set_defaults(all);
+    m_needRecalculate = true;
+    m_lastRecalculate = 0;
+    m_timeQuery = ZBDuration();
+    m_planStart = ZBDate::C_Blank;
+}
+
+void DiaryEntry::dump(std::ostream& out, int indent) const
+{
+    {
+        ZBDump dump("DiaryEntry", out, indent);
+        dump.add_entry("impl->m_summary", m_summary);
+        dump.add("impl->m_entryType.orig", m_entryType.orig);
+        dump.add("impl->m_entryType.calc", m_entryType.calc);
+        dump.add("impl->m_time.orig", m_time.orig);
+        dump.add("impl->m_startAfter.orig", m_startAfter.orig);
+        dump.add("impl->m_dueDate.orig", m_dueDate.orig);
+        dump.add("impl->m_priority.orig", m_priorityPair.orig);
+        dump.add("impl->m_needRecalculate", m_needRecalculate);
+        dump.add("impl->m_planStart", m_planStart);
+    }
+    m_props.dump(out, indent + 1);
+    m_dueFacet.dump(out, indent + 1);
+    m_baseline.dump(out, indent + 1);
+    m_erepeat.dump(out, indent + 1);
+    m_priority.dump(out, indent + 1);
+    m_spent.dump(out, indent + 1);
+    m_etime.dump(out, indent + 1);
+    m_plan.dump(out, indent + 1);
+    m_depend.dump(out, indent + 1);
+    m_command.dump(out, indent + 1);
+    ZBDBObject::dump(out, indent + 1);
+}
+
+int DiaryEntry::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
+{
+    m_entryType.serialise(*this, in, out, prefix, "et", 'O');
+    EntryFacet* facets[] = {&m_props, &m_dueFacet, &m_baseline, &m_erepeat, &m_priority,
+                            &m_spent, &m_etime, &m_plan, &m_depend, &m_command};
+    for (size_t i = 0; i < sizeof(facets) / sizeof(facets[0]); ++i) {
+        if (iszbwarn(facets[i]->serialise_facet(*this, in, out, prefix, version)))
+            return zbpass(ZBLOC);
+    }
+    // The record's own fields.
+    serialise_string(in, out, prefix, "sm", m_summary, true);
+    serialise_string(in, out, prefix, "tx", m_text, true);
+    m_time.serialise(*this, in, out, prefix, "tm", ZBDateSlot());
+    m_startAfter.serialise(*this, in, out, prefix, "sa", ZBDate::C_Blank);
+    serialise_field<int>(in, out, prefix, "sai", m_startSource, -1);
+    m_dueDate.serialise(*this, in, out, prefix, "du", ZBDate::C_Blank);
+    serialise_field<int>(in, out, prefix, "dui", m_dueSource, -1);
+    m_priorityPair.serialise(*this, in, out, prefix, "pr", 0.0);
+    serialise_field<int>(in, out, prefix, "pri", m_prioritySource, -1);
+    m_progress.serialise(*this, in, out, prefix, "dr", ZBProgress());
+    std::string rule = out ? m_repeat.to_string() : std::string();
+    serialise_string(in, out, prefix, "rpt", rule, true);
+    if (in && !rule.empty())
+        m_repeat.from_string(rule);
+    serialise_field<bool>(in, out, prefix, "bm", m_bookmark, false);
+    serialise_field<bool>(in, out, prefix, "ps", m_preserve, false);
+    if (in)
+        attach_facets();
+    return ZBDBObject::serialise(in, out, prefix, version);
+}
+
+// ---------------------------------------------------------------- types
+
+void DiaryEntry::set_entrytype(char letter)
+{
+    m_entryType.set_orig(letter);
+    calc_derived_entrytype();
+    m_repeat.initialise(this);
+}
+
+void DiaryEntry::calc_derived_entrytype()
+{
+    char type = m_entryType.orig;
+    if (type == 'O' && get_nchildren() > 0) {
+        type = get_child_no(0)->get_derived_entrytype();
+        for (const DiaryEntry* child : m_children)
+            if (child->get_derived_entrytype() != type) {
+                type = 'O';
+                break;
+            }
+    }
+    m_entryType.set_calc(type);
+}
+
+bool DiaryEntry::has_depend() const
+{
+    return get_derived_entrytype() == 'A' || get_derived_entrytype() == 'T';
+}
+
+int DiaryEntry::get_capability() const
+{
+    switch (get_derived_entrytype()) {
+    case 'T':
+        return 3;
+    case 'A':
+        return 2;
+    default:
+        return 0;
+    }
+}
+
+int DiaryEntry::type_priority(char letter)
+{
+    static const char order[] = "PDLOTAYNJRM";
+    const char* at = letter ? std::strchr(order, letter) : nullptr;
+    return at ? int(at - order) + 1 : 12;
+}
+
+std::string DiaryEntry::entrytype_to_string(int letter)
+{
+    switch (letter) {
+    case 'A':
+        return "Event";
+    case 'D':
+        return "Address";
+    case 'J':
+        return "Journal";
+    case 'L':
+        return "Place";
+    case 'P':
+        return "Person";
+    case 'T':
+        return "Task";
+    default:
+        return "Object";
+    }
+}
+
+char DiaryEntry::string_to_entrytype(const std::string& text)
+{
+    if (text == "Person")
+        return 'P';
+    if (text == "Address" || text == "Group")
+        return 'D';
+    if (text == "Place")
+        return 'L';
+    if (text == "Task")
+        return 'T';
+    if (text == "Appointment" || text == "Event")
+        return 'A';
+    if (text == "Journal")
+        return 'J';
+    return 'O';
+}
+
+int DiaryEntry::get_sequence(char letter, int index)
+{
+    if (!std::strchr("apTrsAJPDLOYNRM", letter) || !letter)
+        return 0;
+    return letter * C_SeqFactor + index;
+}
+
+// ---------------------------------------------------------------- tree
+
+DiaryEntry* DiaryEntry::get_parent_entry() const
+{
+    return dynamic_cast<DiaryEntry*>(get_parent());
+}
+
+Diary* DiaryEntry::get_diary() const
+{
+    return dynamic_cast<Diary*>(get_database());
+}
+
+std::vector<int> DiaryEntry::get_child_ids(bool recursive) const
+{
+    std::vector<int> ids;
+    for (const DiaryEntry* child : m_children) {
+        ids.push_back(child->get_id());
+        if (recursive) {
+            std::vector<int> more = child->get_child_ids(true);
+            ids.insert(ids.end(), more.begin(), more.end());
+        }
+    }
+    return ids;
+}
+
+bool DiaryEntry::has_entrytype_child(char letter) const
+{
+    for (const DiaryEntry* child : m_children)
+        if (child->get_derived_entrytype() == letter || child->has_entrytype_child(letter))
+            return true;
+    return false;
+}
+
+bool DiaryEntry::has_repeating_child() const
+{
+    for (const DiaryEntry* child : m_children)
+        if (child->get_repeat().is_repeating() || child->has_repeating_child())
+            return true;
+    return false;
+}
+
+int DiaryEntry::query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& result, int order, int depth) const
+{
+    if (depth < 0)
+        return ZBErrC_ok;
+    if (result.is_managed())
+        return zberror(ZBErrC_ArrayEmpty, ZBLOC, "Array is managed, should not be managed...");
+    for (DiaryEntry* child : m_children) {
+        if (slot.m_start.is_zero() || slot.within(child->get_etime().get_calc_date().m_start))
+            result.push_back(child);
+        if (depth > 0)
+            child->query_entries(slot, result, E_SortNone, depth - 1);
+    }
+    if (order != E_SortNone)
+        return sort_entries(result, order);
+    return ZBErrC_ok;
+}
+
+// ---------------------------------------------------------------- state
+
+bool DiaryEntry::is_active() const
+{
+    if (is_complete())
+        return false;
+    if (m_depend.get_active_depends() > 0)
+        return false;
+    if (get_nchildren() == 0) {
+        const ZBDate& start = m_startAfter.calc;
+        return start.is_blank() || !(ZBDateUtils::now() < start);
+    }
+    for (const DiaryEntry* child : m_children)
+        if (child->is_active())
+            return true;
+    return false;
+}
+
+void DiaryEntry::changed()
+{
+    mark_changed(ZBLOC, true);
+}
+
+int DiaryEntry::run_trigger(const std::string& trigger)
+{
+    int result = run_trigger_script(trigger);
+    return iszberr(result) ? zbpass(ZBLOC) : ZBErrC_ok;
+}
+
+int DiaryEntry::set_completion(double percent, bool quiet)
+{
+    if (!(percent >= 0.0 && percent <= 100.0))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Completion must be between 0 and 100, not %g.", percent);
+    if (percent >= 100.0) {
+        if (!is_complete() && iszbwarn(mark_complete(ZBDateUtils::now())))
+            return zbpass(ZBLOC);
+    } else {
+        const bool reopening = is_complete();
+        if (get_derived_entrytype() == 'T')
+            m_time.set_orig(ZBDateSlot());
+        if (reopening)
+            run_trigger(C_TriggerReopen);
+        ZBProgress progress = m_progress.orig;
+        progress.set_completion(percent);
+        m_progress.set_orig(progress);
+    }
+    clear_predicted(true);
+    if (!quiet)
+        changed();
+    return ZBErrC_ok;
+}
+
+ZBDateSlot DiaryEntry::get_instance_slot() const
+{
+    if (get_derived_entrytype() == 'T')
+        return ZBDateSlot(m_startAfter.orig.is_ok() ? m_startAfter.orig : m_dueDate.orig, m_dueDate.orig);
+    return m_time.orig;
+}
+
+void DiaryEntry::move_instance(const ZBDate& start, const ZBDate& end)
+{
+    if (get_derived_entrytype() == 'T') {
+        // A task's rule gives its due dates; a start-after keeps its distance before the due.
+        if (m_startAfter.orig.is_ok() && m_dueDate.orig.is_ok())
+            m_startAfter.set_orig(m_startAfter.orig + (start - m_dueDate.orig));
+        m_dueDate.set_orig(start);
+        return;
+    }
+    ZBDate finish = end;
+    if (!finish.is_ok() || !(start < finish))
+        finish = m_time.orig.m_end.is_ok() && m_time.orig.m_start.is_ok() ? start + m_time.orig.get_duration() : start;
+    m_time.set_orig(ZBDateSlot(start, finish));
+}
+
+int DiaryEntry::mark_complete(const ZBDate& date)
+{
+    m_spent.stop_session(date);
+    if (Diary* diary = get_diary())
+        if (diary->get_session_id() == get_id())
+            diary->set_session_id(-1);
+
+    ZBDate base = m_time.orig.m_end;
+    if (get_derived_entrytype() == 'T') {
+        base = m_dueDate.orig;
+        if (m_startAfter.orig.is_ok() && date < m_startAfter.orig)
+            base = m_startAfter.orig;
+    }
+    m_time.set_orig(ZBDateSlot(date, date));
+    m_spent.set_closed(date);
+
+    bool moved = false;
+    if (m_repeat.is_repeating()) {
+        const ZBDateSlot current = m_erepeat.get_current_repeat();
+        m_erepeat.invalidate();
+        m_repeat.invalidate();
+        // The series is anchored on the instance's own date, so that an early
+        // or late completion does not shift the dates that follow.
+        ZBDate next = m_repeat.next_date(base.is_ok() ? base : date, this);
+        for (int i = 0; i < ZBDateRepeat::C_MaxSteps && next.is_ok() && !(date < next); ++i) {
+            ZBDate further = m_repeat.next_date(next, this);
+            if (!(next < further)) {
+                next = ZBDate::C_Blank;
+                break;
+            }
+            next = further;
+        }
+        if (next.is_ok() && date < next) {
+            ZBDateSlot slot = m_repeat.generate_slot(base, next, ZBDate::C_Blank, this);
+            if (slot == current && slot.m_start < date) {
+                ZBDate from = slot.m_end.is_ok() ? slot.m_end : slot.m_start;
+                slot = m_repeat.generate_slot(base, m_repeat.next_date(from, this), ZBDate::C_Blank, this);
+            }
+            if (slot.m_start.is_ok()) {
+                m_erepeat.set_next_repeat(slot.m_start, slot.m_end);
+                ZBProgress progress = m_progress.orig;
+                progress.set_completion(0.0);
+                m_progress.set_orig(progress);
+                ZBDate now = ZBDateUtils::now();
+                m_plan.remove_plans(m_startAfter.orig.is_ok() && now < m_startAfter.orig ? m_startAfter.orig : now);
+                m_command.reset_executed();
+                moved = true;
+            }
+        }
+    }
+    if (!moved) {
+        m_plan.remove_plans(ZBDate::C_Blank);
+        ZBProgress progress = m_progress.orig;
+        progress.set_completion(100.0);
+        m_progress.set_orig(progress);
+    }
+    trigger_update_vars();
+    run_trigger(C_TriggerComplete);
+    m_priority.set_nondue_priority(m_priorityPair.orig);
+    changed();
+    clear_predicted(true);
+    return ZBErrC_ok;
+}
+
+void DiaryEntry::clear_predicted(bool force)
+{
+    m_erepeat.invalidate();
+    m_plan.clear_predicted();
+    m_needRecalculate = true;
+    if (force)
+        if (Diary* diary = get_diary())
+            diary->force_recalculate(true, true, false, false);
+}
+
+namespace {
+// Reads one postpone text against the current value; false with the error
+// reported when the text is not a date.
+bool postpone_date(const std::string& text, const ZBDate& current, ZBDate& result)
+{
+    if (text.empty()) {
+        result = current;
+        return true;
+    }
+    if (is_blank_token(text)) {
+        result = ZBDate::C_Blank;
+        return true;
+    }
+    std::string full = text;
+    const char first = text.find_first_not_of(' ') == std::string::npos ? 0 : text[text.find_first_not_of(' ')];
+    ZBDate base = current.is_ok() ? current : ZBDateUtils::now();
+    if (first == '+' || first == '-')
+        full = base.to_string("%D %T ") + text;
+    if (iszbwarn(ZBDateParser::read_checked(full, &base, nullptr, result)))
+        return false;
+    if (!result.is_ok())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str()), false;
+    result.set_timezone(ZBDate::C_DefaultTime);
+    return true;
+}
+} // namespace
+
+int DiaryEntry::postpone(const std::string& startText, const std::string& endText, int sequence)
+{
+    ZBDateSet* set = nullptr;
+    int index = -1;
+    ZBDate start;
+    ZBDate end;
+    const char type = get_derived_entrytype();
+    if (sequence >= 1) {
+        const char letter = char(get_type_seq(sequence));
+        index = get_index_seq(sequence);
+        set = letter == 'p' ? &m_plan.edit_planned() : letter == 's' ? &m_spent.edit_sessions() : nullptr;
+        if (!set || index >= set->size())
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "There is no session %d to postpone.", sequence);
+        start = (*set)[index]->m_start;
+        end = (*set)[index]->m_end;
+    } else if (type == 'T') {
+        start = m_startAfter.orig;
+        end = m_dueDate.orig;
+    } else {
+        start = m_time.orig.m_start;
+        end = m_time.orig.m_end;
+    }
+    ZBDate newStart;
+    ZBDate newEnd;
+    if (!postpone_date(startText, start, newStart))
+        return zbpass(ZBLOC);
+    // A relative end moves with a moved start when the end is read from the end.
+    if (!postpone_date(endText, end, newEnd))
+        return zbpass(ZBLOC);
+
+    if (set) {
+        const int resource = (*set)[index]->m_type;
+        set->erase(index);
+        set->add(ZBDateSlot(newStart, newEnd, true), resource);
+    } else if (type == 'T') {
+        m_startAfter.set_orig(newStart);
+        m_dueDate.set_orig(newEnd);
+    } else {
+        if (!startText.empty() && endText.empty() && start.is_ok() && end.is_ok())
+            newEnd = newStart + (end - start);
+        m_time.set_orig(ZBDateSlot(newStart, newEnd.is_ok() ? newEnd : newStart, true));
+    }
+    changed();
+    clear_predicted(true);
+    return ZBErrC_ok;
+}
+
+void DiaryEntry::save_baseline(bool withDates)
+{
+    m_baseline.set_duration(m_progress.orig.get_duration());
+    if (withDates)
+        m_baseline.set_start_end(m_etime.get_calc_date());
+}
+
+void DiaryEntry::delete_resource(int id, int replacement)
+{
+    if (m_props.get_resource_orig() == id)
+        m_props.set_resource_orig(replacement);
+    if (m_props.get_resource_calc() == id)
+        m_props.set_resource_calc(replacement);
+}
+
+int DiaryEntry::compact(Diary* diary, bool force)
+{
+    for (DiaryEntry* child : std::vector<DiaryEntry*>(m_children.begin(), m_children.end()))
+        if (iszbwarn(child->compact(diary, false)))
+            return zbpass(ZBLOC);
+    if (!is_complete() || !diary)
+        return ZBErrC_ok;
+    m_depend.clear_depends();
+    for (const DiaryEntry* child : m_children) {
+        const char type = child->get_derived_entrytype();
+        if ((!force && child->get_preserve()) || (type != 'T' && type != 'A') || child->get_preserve())
+            return ZBErrC_ok;
+    }
+    bool grandchild = false;
+    for (const DiaryEntry* child : m_children)
+        grandchild = grandchild || child->get_nchildren() > 0;
+    if (grandchild) {
+        for (DiaryEntry* child : std::vector<DiaryEntry*>(m_children.begin(), m_children.end()))
+            if (iszbwarn(child->compact(diary, true)))
+                return zbpass(ZBLOC);
+        for (const DiaryEntry* child : m_children)
+            if (child->get_nchildren() > 0)
+                return ZBErrC_ok;
+    }
+    if (get_nchildren() == 0)
+        return ZBErrC_ok;
+    const ZBDuration baselineDuration = m_baseline.get_duration().orig;
+    const ZBDateSlot baselineSlot = m_baseline.get_start_end().orig;
+    const double priority = m_priorityPair.calc;
+    const ZBProgress progress = m_progress.calc;
+    const ZBDateSlot slot = m_etime.get_calc_date();
+    const ZBDate startAfter = m_startAfter.calc;
+    const ZBDate due = m_dueDate.calc;
+    m_spent.edit_sessions().set_keepduration(true);
+    std::vector<int> fold;
+    for (const DiaryEntry* child : m_children) {
+        m_spent.edit_sessions().add(child->get_spent().get_sessions());
+        if (!child->get_text().empty())
+            m_text += C_CompactSeparator + child->get_text();
+        fold.push_back(child->get_id());
+    }
+    for (int id : fold)
+        if (iszbwarn(diary->delete_object(id, std::string())))
+            return zbpass(ZBLOC);
+    const char type = get_entrytype();
+    if (type == 'A' || type == 'J') {
+        m_time.set_orig(slot);
+    } else if (type == 'T') {
+        m_progress.set_orig(progress);
+        m_startAfter.set_orig(startAfter);
+        m_dueDate.set_orig(due);
+        m_baseline.set_duration(baselineDuration);
+        m_baseline.set_start_end(baselineSlot);
+    }
+    m_priorityPair.set_orig(priority);
+    changed();
+    return ZBErrC_ok;
+}
+
+// ---------------------------------------------------------------- orderings
+
+int DiaryEntry::compare_application(const DiaryEntry& a, const DiaryEntry& b)
+{
+    const char ta = a.get_derived_entrytype();
+    const char tb = b.get_derived_entrytype();
+    if (ta != tb)
+        return application_rank(ta) > application_rank(tb);
+    if (ta == 'T') {
+        const double pa = a.get_priority().calc;
+        const double pb = b.get_priority().calc;
+        if (pa != pb)
+            return pa < pb;
+        if (b.is_complete()) {
+            const ZBDate& ea = a.get_etime().get_calc_date().m_end;
+            const ZBDate& eb = b.get_etime().get_calc_date().m_end;
+            if (ea != eb)
+                return ea < eb;
+        } else if (!b.is_active()) {
+            const ZBDate& sa = a.get_start().calc;
+            const ZBDate& sb = b.get_start().calc;
+            if (sa != sb)
+                return sb < sa;
+        } else {
+            const ZBDate& da = a.get_due().calc;
+            const ZBDate& db = b.get_due().calc;
+            if (da != db)
+                return db < da;
+        }
+        return a.get_id() > b.get_id();
+    }
+    if (ta == 'A') {
+        if (a.is_complete() != b.is_complete())
+            return a.is_complete();
+        return b.get_etime().get_calc_date().m_start < a.get_etime().get_calc_date().m_start;
+    }
+    if (ta == 'D' || ta == 'P' || ta == 'L')
+        return b.get_summary() < a.get_summary();
+    return a.get_etime().get_calc_date().m_start < b.get_etime().get_calc_date().m_start;
+}
+
+int DiaryEntry::compare_alphabetical(const DiaryEntry& a, const DiaryEntry& b)
+{
+    return b.get_summary() < a.get_summary();
+}
+
+int DiaryEntry::compare_start_date(const DiaryEntry& a, const DiaryEntry& b)
+{
+    const ZBDate& sa = a.get_etime().get_calc_date().m_start;
+    const ZBDate& sb = b.get_etime().get_calc_date().m_start;
+    if (sa != sb)
+        return sb < sa;
+    return compare_application(a, b);
+}
+
+int DiaryEntry::compare_due_date(const DiaryEntry& a, const DiaryEntry& b)
+{
+    const ZBDate& da = a.get_due().calc;
+    const ZBDate& db = b.get_due().calc;
+    if (da != db)
+        return db < da;
+    return compare_application(a, b);
+}
+
+int DiaryEntry::compare_display_order(const DiaryEntry& a, const DiaryEntry& b)
+{
+    const int oa = a.get_priority_facet().get_display_order();
+    const int ob = b.get_priority_facet().get_display_order();
+    if (oa != ob)
+        return oa > ob;
+    return compare_application(a, b);
+}
+
+int DiaryEntry::compare_priority(const DiaryEntry& a, const DiaryEntry& b)
+{
+    const double pa = a.get_priority().calc;
+    const double pb = b.get_priority().calc;
+    if (pa != pb)
+        return pa < pb;
+    return compare_display_order(a, b);
+}
+
+int DiaryEntry::compare_child_priority(const DiaryEntry& a, const DiaryEntry& b)
+{
+    const double pa = a.get_priority_facet().get_max_child_priority();
+    const double pb = b.get_priority_facet().get_max_child_priority();
+    if (std::fabs(pa - pb) > 1e-8)
+        return pa < pb;
+    return a.get_id() > b.get_id();
+}
+
+int DiaryEntry::compare_plan(const DiaryEntry& a, const DiaryEntry& b)
+{
+    if (a.get_priority().calc > EntryPriority::C_PriorityUrgent || b.get_priority().calc > EntryPriority::C_PriorityUrgent
+        || !a.m_planStart.is_ok() || !b.m_planStart.is_ok())
+        return compare_priority(a, b);
+    return b.m_planStart < a.m_planStart;
+}
+
+int DiaryEntry::compare_type(const DiaryEntry& a, const DiaryEntry& b)
+{
+    if (a.get_entrytype() != b.get_entrytype())
+        return type_priority(a.get_derived_entrytype()) > type_priority(b.get_derived_entrytype());
+    return compare_alphabetical(a, b);
+}
+
+int DiaryEntry::sort_entries(ZBPtrArray<DiaryEntry>& entries, int order)
+{
+    ZBPtrArray<DiaryEntry>::CompareFn compare = nullptr;
+    switch (order) {
+    case E_SortApplication:
+        compare = &compare_application;
+        break;
+    case E_SortAlphabetical:
+        compare = &compare_alphabetical;
+        break;
+    case E_SortStartDate:
+        compare = &compare_start_date;
+        break;
+    case E_SortDisplayOrder:
+        compare = &compare_display_order;
+        break;
+    case E_SortDueDate:
+        compare = &compare_due_date;
+        break;
+    case E_SortPriority:
+        compare = &compare_priority;
+        break;
+    case E_SortChildPriority:
+        compare = &compare_child_priority;
+        break;
+    default:
+        return ZBErrC_ok;
+    }
+    return entries.sort(compare);
+}
+
+// ---------------------------------------------------------------- recalculation
+
+int DiaryEntry::recalculate(int phase, Diary* diary, int)
+{
+    (void)phase;
+    calc_derived_entrytype();
+    const DiaryEntry* parent = get_parent_entry();
+    // Values pushed down: the earlier due, the later start-after, the parent's
+    // priority where none was given, the parent's resource and time type.
+    m_dueDate.set_calc(m_dueDate.orig);
+    m_dueSource = m_dueDate.orig.is_ok() ? get_id() : -1;
+    m_startAfter.set_calc(m_startAfter.orig);
+    m_startSource = m_startAfter.orig.is_ok() ? get_id() : -1;
+    m_priorityPair.set_calc(m_priorityPair.orig);
+    m_prioritySource = m_priorityPair.orig > 0.0 ? get_id() : -1;
+    if (parent) {
+        const ZBDate& due = parent->get_due().calc;
+        if (due.is_ok() && (!m_dueDate.calc.is_ok() || due < m_dueDate.calc)) {
+            m_dueDate.set_calc(due);
+            m_dueSource = parent->get_due_id();
+        }
+        const ZBDate& start = parent->get_start().calc;
+        if (start.is_ok() && (!m_startAfter.calc.is_ok() || m_startAfter.calc < start)) {
+            m_startAfter.set_calc(start);
+            m_startSource = parent->get_startafter_id();
+        }
+        if (m_priorityPair.orig <= 0.0) {
+            m_priorityPair.set_calc(parent->get_priority().calc);
+            m_prioritySource = parent->get_priority_id();
+        }
+    }
+    int resource = m_props.get_resource_orig();
+    if (resource == EntryProperties::C_ParentId)
+        resource = parent ? parent->get_props().get_resource_calc() : (diary ? diary->get_default_resource_id() : -1);
+    m_props.set_resource_calc(resource);
+    int timeType = m_props.get_timetype_orig();
+    if (timeType == EntryProperties::C_ParentId)
+        timeType = parent ? parent->get_props().get_timetype_calc() : -1;
+    m_props.set_timetype_calc(timeType);
+    ZBProgress progress = m_progress.orig;
+    m_progress.set_calc(progress);
+    m_priority.set_nondue_priority(m_priorityPair.calc);
+    m_depend.set_active_depends(0);
+    return ZBErrC_ok;
+}
+
+void DiaryEntry::update_first_plan()
+{
+    if (get_derived_entrytype() == 'A') {
+        m_planStart = m_etime.get_calc_date().m_start;
+        return;
+    }
+    ZBDate first = ZBDate::C_Blank;
+    for (const ZBDateSet* set : {&m_plan.get_planned(), &m_plan.get_predicted()}) {
+        if (set->empty())
+            continue;
+        ZBDate start = set->start();
+        if (start.is_ok() && !start.is_zero() && (!first.is_ok() || start < first))
+            first = start;
+    }
+    m_planStart = first;
+}
+
+} // namespace Tervalon

@@ -1,0 +1,212 @@
+#pragma once
+
+#include "AppTervalonDiary/diary/entrybaseline.h"
+#include "AppTervalonDiary/diary/entrycommand.h"
+#include "AppTervalonDiary/diary/entrydepend.h"
+#include "AppTervalonDiary/diary/entrydue.h"
+#include "AppTervalonDiary/diary/entryplan.h"
+#include "AppTervalonDiary/diary/entrypriority.h"
+#include "AppTervalonDiary/diary/entryproperties.h"
+#include "AppTervalonDiary/diary/entryrepeat.h"
+#include "AppTervalonDiary/diary/entryspent.h"
+#include "AppTervalonDiary/diary/entrytime.h"
+#include "LibDatabase/db/zbdbcontainer.h"
+#include "LibDatabase/db/zbdbobject.h"
+#include "LibDate/date/zbdaterepeat.h"
+#include "LibDate/date/zbprogress.h"
+#include "LibDate/date/zbrepeatconfig.h"
+#include "LibObject/container/zbcalcpair.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+class Diary;
+
+// One node of the planner's tree: a task, appointment, journal note, person,
+// address, place or plain object, made of its facets. The database owns the
+// entry; the entry owns its facets. Children are found through the entry
+// container that resolve_containers fills.
+class DiaryEntry : public ZBDBObject, public ZBRepeatConfig {
+public:
+    enum E_SortOrder {
+        E_SortApplication = 0,
+        E_SortAlphabetical = 1,
+        E_SortStartDate = 2,
+        E_SortDisplayOrder = 3,
+        E_SortDueDate = 4,
+        E_SortPriority = 5,
+        E_SortChildPriority = 6,
+        E_SortNone = 7
+    };
+    static const char* const C_EntryTag; // container of child entries
+    static const char* const C_TriggerStart;
+    static const char* const C_TriggerStop;
+    static const char* const C_TriggerComplete;
+    static const char* const C_TriggerReopen;
+    static const char* const C_CompactSeparator;
+    static constexpr int C_SeqFactor = 100000;
+
+    DiaryEntry();
+    DiaryEntry(const DiaryEntry& other);
+    ~DiaryEntry() override;
+    DiaryEntry& operator=(const DiaryEntry& other);
+
+    void dump(std::ostream& out, int indent) const override;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
+    void register_zbobject() override;
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+    void set_defaults(bool all) override;
+    std::string get_summary() const override { return m_summary; }
+
+    // Record fields.
+    void set_summary(const std::string& title) { m_summary = title; }
+    const std::string& get_text() const { return m_text; }
+    void set_text(const std::string& text) { m_text = text; }
+    const ZBCalcPair<ZBDateSlot>& get_time() const { return m_time; }
+    ZBCalcPair<ZBDateSlot>& edit_time() { return m_time; }
+    const ZBCalcPair<ZBDate>& get_start() const { return m_startAfter; }
+    ZBCalcPair<ZBDate>& edit_start() { return m_startAfter; }
+    const ZBCalcPair<ZBDate>& get_due() const { return m_dueDate; }
+    ZBCalcPair<ZBDate>& edit_due() { return m_dueDate; }
+    const ZBCalcPair<double>& get_priority() const { return m_priorityPair; }
+    ZBCalcPair<double>& edit_priority() { return m_priorityPair; }
+    const ZBCalcPair<ZBProgress>& get_duration() const { return m_progress; }
+    ZBCalcPair<ZBProgress>& edit_duration() { return m_progress; }
+    int get_startafter_id() const { return m_startSource; }
+    int get_due_id() const { return m_dueSource; }
+    int get_priority_id() const { return m_prioritySource; }
+    const ZBDateRepeat& get_repeat() const { return m_repeat; }
+    ZBDateRepeat& edit_repeat() { return m_repeat; }
+    bool get_bookmark() const { return m_bookmark; }
+    void set_bookmark(bool on) { m_bookmark = on; }
+    bool get_preserve() const { return m_preserve; }
+    void set_preserve(bool on) { m_preserve = on; }
+
+    // Facets.
+    const EntryProperties& get_props() const { return m_props; }
+    EntryProperties& edit_props() { return m_props; }
+    const EntryDue& get_due_facet() const { return m_dueFacet; }
+    EntryDue& edit_due_facet() { return m_dueFacet; }
+    const EntryBaseline& get_baseline() const { return m_baseline; }
+    EntryBaseline& edit_baseline() { return m_baseline; }
+    const EntryRepeat& get_erepeat() const { return m_erepeat; }
+    EntryRepeat& edit_erepeat() { return m_erepeat; }
+    const EntryPriority& get_priority_facet() const { return m_priority; }
+    EntryPriority& edit_priority_facet() { return m_priority; }
+    const EntrySpent& get_spent() const { return m_spent; }
+    EntrySpent& edit_spent() { return m_spent; }
+    const EntryTime& get_etime() const { return m_etime; }
+    EntryTime& edit_etime() { return m_etime; }
+    const EntryPlan& get_plan() const { return m_plan; }
+    EntryPlan& edit_plan() { return m_plan; }
+    const EntryDepend& get_depend() const { return m_depend; }
+    EntryDepend& edit_depend() { return m_depend; }
+    const EntryCommand& get_command() const { return m_command; }
+    EntryCommand& edit_command() { return m_command; }
+
+    // Types.
+    char get_entrytype() const { return m_entryType.orig; }
+    char get_derived_entrytype() const { return m_entryType.calc; }
+    void set_entrytype(char letter);
+    void calc_derived_entrytype();
+    bool has_depend() const;
+    int get_capability() const override;
+    static int type_priority(char letter);
+    static std::string entrytype_to_string(int letter);
+    // Any text not naming a type is an object.
+    static char string_to_entrytype(const std::string& text);
+    static int get_sequence(char letter, int index);
+    static int get_type_seq(int sequence) { return sequence / C_SeqFactor; }
+    static int get_index_seq(int sequence) { return sequence % C_SeqFactor; }
+
+    // Tree.
+    int get_nchildren() const { return m_children.size(); }
+    DiaryEntry* get_child_no(int index) const { return m_children.get(index); }
+    const ZBDBContainer<DiaryEntry>& get_children() const { return m_children; }
+    DiaryEntry* get_parent_entry() const;
+    Diary* get_diary() const;
+    std::vector<int> get_child_ids(bool recursive) const;
+    bool has_entrytype_child(char letter) const;
+    bool has_repeating_child() const;
+    int query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& result, int order, int depth) const;
+
+    // State.
+    bool is_complete() const { return m_progress.orig.get_completion() >= 100.0; }
+    bool is_active() const;
+    int set_completion(double percent, bool quiet);
+    virtual int mark_complete(const ZBDate& date);
+    void clear_predicted(bool force);
+    int postpone(const std::string& startText, const std::string& endText, int sequence);
+    int compact(Diary* diary, bool force);
+    void save_baseline(bool withDates);
+    // Moves the entry's use of a resource to another.
+    void delete_resource(int id, int replacement);
+
+    // The instance the entry stands for now, and moving to another one.
+    ZBDateSlot get_instance_slot() const;
+    void move_instance(const ZBDate& start, const ZBDate& end);
+
+    // Orderings: true when a belongs behind b.
+    static int compare_application(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_alphabetical(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_start_date(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_display_order(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_due_date(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_priority(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_child_priority(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_plan(const DiaryEntry& a, const DiaryEntry& b);
+    static int compare_type(const DiaryEntry& a, const DiaryEntry& b);
+    static int sort_entries(ZBPtrArray<DiaryEntry>& entries, int order);
+
+    // The cheap pass over live data: types, values pushed down from the
+    // parent, and the date slot. Phase -1 runs every step.
+    int recalculate(int phase, Diary* diary, int cycle);
+    void update_first_plan();
+    const ZBDate& get_plan_start() const { return m_planStart; }
+    void set_plan_start(const ZBDate& date) { m_planStart = date; }
+
+private:
+    void attach_facets();
+    int run_trigger(const std::string& trigger);
+    void changed();
+
+    // Record fields.
+    std::string m_summary;
+    std::string m_text;
+    ZBCalcPair<ZBDateSlot> m_time;
+    ZBCalcPair<ZBDate> m_startAfter;
+    int m_startSource;
+    ZBCalcPair<ZBDate> m_dueDate;
+    int m_dueSource;
+    ZBCalcPair<double> m_priorityPair;
+    int m_prioritySource;
+    ZBCalcPair<ZBProgress> m_progress;
+    ZBDateRepeat m_repeat;
+    bool m_bookmark;
+    bool m_preserve;
+
+    // Facets and planner state, in stream order.
+    ZBCalcPair<char> m_entryType;
+    EntryProperties m_props;
+    EntryDue m_dueFacet;
+    EntryBaseline m_baseline;
+    EntryRepeat m_erepeat;
+    ZBDateRepeat m_oldRepeat;
+    EntryPriority m_priority;
+    EntrySpent m_spent;
+    EntryTime m_etime;
+    EntryPlan m_plan;
+    EntryDepend m_depend;
+    EntryCommand m_command;
+    bool m_needRecalculate;
+    long m_lastRecalculate;
+    ZBDuration m_timeQuery;
+    ZBDate m_planStart;
+
+    ZBDBContainer<DiaryEntry> m_children;
+};
+
+} // namespace Tervalon

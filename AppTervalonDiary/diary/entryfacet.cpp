@@ -1,0 +1,23 @@
+#include "AppTervalonDiary/diary/entryfacet.h"
+
+namespace Tervalon {
+
+int EntryFacet::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
+{
+    if (iszbwarn(serialise_facet(*this, in, out, prefix, version)))
+        return zbpass(ZBLOC);
+    return ZBObject::serialise(in, out, prefix, version);
+}
+
+int EntryFacet::serialise_set(ZBObject& owner, std::istream* in, std::ostream* out, const std::string& prefix,
+                              const std::string& tag, ZBDateSet& set, int version)
+{
+    if (out && set.empty())
+        return ZBErrC_ok;
+    ZBSrlObject<ZBDateSet> binder(set, version);
+    if (iszberr(owner.serialise_object(in, out, prefix, tag, binder)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+} // namespace Tervalon

@@ -1,0 +1,68 @@
+#include "AppTervalonDiary/diary/entryplan.h"
+#include "AppTervalonDiary/diary/diaryentry.h"
+#include "LibObject/object/zbdump.h"
+
+#include <ostream>
+
+namespace Tervalon {
+
+namespace {
+const ZBObjectPreReg g_register("EntryPlan", &EntryPlan::create_zbobject);
+}
+
+EntryPlan::EntryPlan()
+{
+    EntryPlan::register_zbobject();
+    EntryPlan::set_defaults(true);
+}
+
+void EntryPlan::register_zbobject()
+{
+    register_objectname("EntryPlan", &EntryPlan::create_zbobject);
+}
+
+int EntryPlan::create_zbobject(ZBObject*& out, const ZBObject* from)
+{
+    return create_as<EntryPlan>(out, from, "EntryPlan");
+}
+
+void EntryPlan::set_defaults(bool)
+{
+    m_predicted.clear();
+    m_planned.clear();
+    m_isPlanned = true;
+    m_predictedTrans = false;
+    m_totalPlan = ZBDuration();
+    m_clash.clear();
+}
+
+void EntryPlan::dump(std::ostream& out, int indent) const
+{
+    ZBDump dump("EntryPlan", out, indent);
+    dump.add("m_isPlanned", m_isPlanned);
+    dump.add("m_predictedTrans", m_predictedTrans);
+}
+
+int EntryPlan::serialise_facet(ZBObject& owner, std::istream* in, std::ostream* out, const std::string& prefix, int version)
+{
+    return serialise_set(owner, in, out, prefix, "pl", m_planned, version);
+}
+
+void EntryPlan::clear_predicted()
+{
+    m_predicted.clear();
+    m_predictedTrans = false;
+    m_clash.clear();
+}
+
+void EntryPlan::remove_plans(const ZBDate& date)
+{
+    if (date.is_blank()) {
+        m_planned.clear();
+        return;
+    }
+    if (!m_planned.empty() && m_planned.start() < date)
+        m_planned.subtract(ZBDateSlot(m_planned.start(), date), -1);
+}
+
+} // namespace Tervalon

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "AppTervalonDiary/diary/entryfacet.h"
+#include "LibObject/container/zbcalcpair.h"
+
+#include <string>
+#include <vector>
+
+namespace Tervalon {
+
+// Who does an entry and under which kind of time, as entered (orig) and as
+// resolved through the parents (calc), and whether it appears in reports.
+class EntryProperties : public EntryFacet {
+public:
+    EntryProperties();
+    EntryProperties(const EntryProperties& other) = default;
+    EntryProperties& operator=(const EntryProperties& other) = default;
+
+    void dump(std::ostream& out, int indent) const override;
+    int serialise_facet(ZBObject& owner, std::istream* in, std::ostream* out, const std::string& prefix,
+                        int version) override;
+    void register_zbobject() override;
+    static int create_zbobject(ZBObject*& out, const ZBObject* from);
+    void set_defaults(bool all) override;
+
+    // Resource and time type ids an entry takes when nothing was chosen: its parent's.
+    static constexpr int C_ParentId = -2;
+    static const char* const C_JournalSource; // "Jnl"
+
+    int get_resource_orig() const { return m_resource.orig; }
+    int get_resource_calc() const { return m_resource.calc; }
+    void set_resource_orig(int id) { m_resource.set_orig(id); }
+    void set_resource_calc(int id) { m_resource.set_calc(id); }
+    int get_timetype_orig() const { return m_timeType.orig; }
+    int get_timetype_calc() const { return m_timeType.calc; }
+    void set_timetype_orig(int id) { m_timeType.set_orig(id); }
+    void set_timetype_calc(int id) { m_timeType.set_calc(id); }
+    bool get_report() const { return m_report; }
+    void set_report(bool report) { m_report = report; }
+
+private:
+    ZBCalcPair<int> m_resource;
+    ZBCalcPair<int> m_timeType;
+    bool m_report;
+};
+
+} // namespace Tervalon
