@@ -18,12 +18,13 @@ TEST(DatabaseWindow, OpensMakesAndSavesOnClose)
     ASSERT_EQ(window->start(file, 60000, 300000, 15000), ZBErrC_ok);
     EXPECT_TRUE(window->is_loaded());
     EXPECT_TRUE(Tervalon::Test::file_exists(file));
+    const int before = window->get_database()->get_nobjects();
     ZBDBObject* object = new ZBDBObject();
     ASSERT_EQ(window->get_database()->add_object(object, window->get_database(), "OB", "", -1, ""), ZBErrC_ok);
     EXPECT_TRUE(window->close());
-    ZBDatabase again;
-    ASSERT_EQ(again.read(file), ZBErrC_ok);
-    EXPECT_EQ(again.get_nobjects(), 1);
+    std::unique_ptr<ZBDatabase> again(AppDiaryInfo::make_database());
+    ASSERT_EQ(again->read(file), ZBErrC_ok);
+    EXPECT_EQ(again->get_nobjects(), before + 1);
 }
 
 TEST(DatabaseWindow, DamagedFileIsNotOpenedAndStaysAsItWas)
