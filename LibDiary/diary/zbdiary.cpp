@@ -1,0 +1,363 @@
+#include "LibDiary/diary/zbdiary.h"
+#include "LibDiary/diary/zbdentry.h"
+#include "LibDiary/diary/zbdevent.h"
+#include "LibDiary/diary/zbdperson.h"
+#include "LibDiary/diary/zbeventdata.h"
+#include "LibDiary/diary/zbeventmgr.h"
+#include "LibDiary/diary/zbjournaldata.h"
+#include "LibDiary/diary/zbjournalmgr.h"
+#include "LibDiary/diary/zbpersondata.h"
+#include "LibDiary/diary/zbpersonmgr.h"
+#include "LibDiary/diary/cal/zbcaldata.h"
+#include "LibDiary/diary/cal/zbcalmgr.h"
+#include "LibDiary/diary/finance/zbfinancedata.h"
+#include "LibDiary/diary/finance/zbfinancemgr.h"
+#include "LibDiary/diary/prayer/zbprayerdata.h"
+#include "LibDiary/diary/prayer/zbprayermgr.h"
+#include "LibObject/object/zbdump.h"
+
+#include <algorithm>
+
+namespace Tervalon {
+
+namespace {
+const ZBObjectPreReg g_register("ZBDiary", &ZBDiary::create_zbobject);
+
+std::string child_line(const std::string& tag, const std::string& spec)
+{
+    return "$[" + tag + "] = ${" + spec + "}[];\n";
+}
+
+std::string type_line(const std::string& type)
+{
+    return "$<EntryType> = eval(\"" + type + "\");\n";
+}
+
+// The lines of a source, each with its line end.
+std::vector<std::string> source_lines(const std::string& source)
+{
+    std::vector<std::string> lines;
+    size_t from = 0;
+    while (from < source.size()) {
+        size_t end = source.find('\n', from);
+        end = end == std::string::npos ? source.size() : end + 1;
+        lines.push_back(source.substr(from, end - from));
+        from = end;
+    }
+    return lines;
+}
+} // namespace
+
+const char* const ZBDiary::C_PersonTag = "PS";
+const char* const ZBDiary::C_GroupTag = "GR";
+const char* const ZBDiary::C_EventTag = "EV";
+const char* const ZBDiary::C_JournalTag = "JN";
+const char* const ZBDiary::C_PrayerTag = "PY";
+const char* const ZBDiary::C_RecordTag = "RC";
+
+const char* const ZBDiary::C_JournalSpec = "DefaultJournal";
+const char* const ZBDiary::C_EventSpec = "DefaultEvent";
+const char* const ZBDiary::C_PersonSpec = "DefaultPerson";
+const char* const ZBDiary::C_GroupSpec = "DefaultGroup";
+const char* const ZBDiary::C_PrayerSpec = "DefaultPrayer";
+const char* const ZBDiary::C_PrayerUpdateSpec = "PrayerUpdate";
+const char* const ZBDiary::C_PrayerPersonSpec = "PrayerPerson";
+const char* const ZBDiary::C_PrayerGroupSpec = "PrayerGroup";
+
+// Blocks and managers are made in fan-out order: a manager may look at the
+// blocks made before it from its constructor on.
+ZBDiary::ZBDiary()
+{
+    ZBDiary::register_zbobject();
+    m_personData = std::make_unique<ZBPersonData>();
+    m_personMgr = std::make_unique<ZBPersonMgr>(*this);
+    m_journalData = std::make_unique<ZBJournalData>();
+    m_journalMgr = std::make_unique<ZBJournalMgr>(*this);
+    m_eventData = std::make_unique<ZBEventData>();
+    m_eventMgr = std::make_unique<ZBEventMgr>(*this);
+    m_prayerData = std::make_unique<ZBPrayerData>();
+    m_prayerMgr = std::make_unique<ZBPrayerMgr>(*this);
+    m_financeData = std::make_unique<ZBFinanceData>();
+    m_financeMgr = std::make_unique<ZBFinanceMgr>(*this);
+    m_calData = std::make_unique<ZBCalData>();
+    m_calMgr = std::make_unique<ZBCalMgr>(*this);
+    m_managers = {m_personMgr.get(), m_journalMgr.get(), m_eventMgr.get(),
+                  m_prayerMgr.get(), m_financeMgr.get(), m_calMgr.get()};
+}
+
+// The background thread may be in a manager; it stops before any goes.
+ZBDiary::~ZBDiary()
+{
+    stop_recalc_thread();
+}
+
+void ZBDiary::register_zbobject()
+{
+    register_objectname("ZBDiary", &ZBDiary::create_zbobject);
+}
+
+int ZBDiary::create_zbobject(ZBObject*& out, const ZBObject* from)
+{
+    ZBDiary* diary = new ZBDiary();
+    out = diary;
+    if (from) {
+        if (!dynamic_cast<const ZBDiary*>(from))
+            return zberror(ZBErrC_DynamicCast, ZBLOC, "Dynamic cast to ZBDiary failed.");
+        return diary->derived_assign(*from, 0);
+    }
+    return ZBErrC_ok;
+}
+
+void ZBDiary::set_defaults(bool all)
+{
+    m_personData->set_defaults(all);
+    m_journalData->set_defaults(all);
+    m_eventData->set_defaults(all);
+    m_prayerData->set_defaults(all);
+    m_financeData->set_defaults(all);
+    m_calData->set_defaults(all);
+    for (ZBDiaryMgr* manager : m_managers)
+        manager->set_defaults(all);
+}
+
+void ZBDiary::dump(std::ostream& out, int indent) const
+{
+    ZBDump dump("ZBDiary", out, indent);
+    for (const auto& spec : m_specSource)
+        dump.add_entry("m_specSource[" + spec.first + "]", spec.second);
+    dump.write_heading("Blocks and managers");
+    dump.write();
+    m_personData->dump(out, indent + 1);
+    m_journalData->dump(out, indent + 1);
+    m_eventData->dump(out, indent + 1);
+    m_prayerData->dump(out, indent + 1);
+    m_financeData->dump(out, indent + 1);
+    m_calData->dump(out, indent + 1);
+    for (const ZBDiaryMgr* manager : m_managers)
+        manager->dump(out, indent + 1);
+    ZBDatabase::dump(out, indent + 1);
+}
+
+int ZBDiary::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
+{
+    ZBSrlObject<ZBPersonData> person(*m_personData, version);
+    ZBSrlObject<ZBJournalData> journal(*m_journalData, version);
+    ZBSrlObject<ZBEventData> event(*m_eventData, version);
+    ZBSrlObject<ZBPrayerData> prayer(*m_prayerData, version);
+    ZBSrlObject<ZBFinanceData> finance(*m_financeData, version);
+    ZBSrlObject<ZBCalData> cal(*m_calData, version);
+    if (iszberr(serialise_object(in, out, prefix, "( *m_personData )", person))
+        || iszberr(serialise_object(in, out, prefix, "( *m_journalData )", journal))
+        || iszberr(serialise_object(in, out, prefix, "( *m_eventData )", event))
+        || iszberr(serialise_object(in, out, prefix, "( *m_prayerData )", prayer))
+        || iszberr(serialise_object(in, out, prefix, "( *m_financeData )", finance))
+        || iszberr(serialise_object(in, out, prefix, "( *m_calData )", cal)))
+        return zbpass(ZBLOC);
+    return ZBDatabase::serialise(in, out, prefix, version);
+}
+
+int ZBDiary::fan_out(const char* step, const std::function<int(ZBDiaryMgr&)>& call)
+{
+    for (ZBDiaryMgr* manager : m_managers) {
+        if (m_observer)
+            m_observer(step, *manager);
+        if (iszbwarn(call(*manager)))
+            return zbpass(ZBLOC);
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDiary::initialise(bool created)
+{
+    if (iszbwarn(ZBDatabase::initialise(created)))
+        return zbpass(ZBLOC);
+    if (created) {
+        for (const std::string& name : default_spec_names())
+            set_spec_source(name, default_spec_source(name));
+    } else if (iszbwarn(update_specs())) {
+        return zbpass(ZBLOC);
+    }
+    return fan_out("initialise", [](ZBDiaryMgr& manager) { return manager.initialise(); });
+}
+
+int ZBDiary::recalculate(E_RecalcLevel level)
+{
+    if (iszbwarn(ZBDatabase::recalculate(level)))
+        return zbpass(ZBLOC);
+    return fan_out("recalculate", [level](ZBDiaryMgr& manager) { return manager.recalculate(level); });
+}
+
+void ZBDiary::containers_resolved()
+{
+    // The lists of people and groups are rebuilt on their next use.
+    m_personData->m_builtObjects = -1;
+}
+
+int ZBDiary::upgrade_appfileversion()
+{
+    const bool older = get_app_file_version() < current_appfileversion();
+    if (iszbwarn(ZBDatabase::upgrade_appfileversion()))
+        return zbpass(ZBLOC);
+    if (!older)
+        return ZBErrC_ok;
+    if (iszbwarn(update_specs()))
+        return zbpass(ZBLOC);
+    return fan_out("upgrade", [](ZBDiaryMgr& manager) { return manager.initialise(); });
+}
+
+int ZBDiary::remap_id(int from, int to)
+{
+    if (iszbwarn(ZBDatabase::remap_id(from, to)))
+        return zbpass(ZBLOC);
+    return fan_out("remap_id", [from, to](ZBDiaryMgr& manager) { return manager.remap_id(from, to); });
+}
+
+int ZBDiary::pull_db_data(const ZBDiary& other)
+{
+    return fan_out("pull_db_data", [&other](ZBDiaryMgr& manager) { return manager.pull_db_data(other); });
+}
+
+int ZBDiary::pull_complete()
+{
+    return resolve_containers();
+}
+
+bool ZBDiary::has_user_data() const
+{
+    bool any = ZBDatabase::has_user_data();
+    for (const ZBDiaryMgr* manager : m_managers) {
+        if (m_observer)
+            m_observer("has_user_data", *manager);
+        any = manager->has_user_data() || any;
+    }
+    return any;
+}
+
+int ZBDiary::update_feature(int count)
+{
+    if (iszbwarn(ZBDatabase::update_feature(count)))
+        return zbpass(ZBLOC);
+    return fan_out("update_feature", [count](ZBDiaryMgr& manager) { return manager.update_feature(count); });
+}
+
+int ZBDiary::generate_notify(std::vector<ZBNotifyItem>& out)
+{
+    out.clear();
+    return fan_out("generate_notify", [&out](ZBDiaryMgr& manager) {
+        std::vector<ZBNotifyItem> items;
+        int result = manager.generate_notify(items);
+        out.insert(out.end(), items.begin(), items.end());
+        return result;
+    });
+}
+
+std::vector<int> ZBDiary::get_people(const ZBDEntry& entry) const
+{
+    std::vector<int> people;
+    auto add = [&people](int id) {
+        if (std::find(people.begin(), people.end(), id) == people.end())
+            people.push_back(id);
+    };
+    if (dynamic_cast<const ZBDPerson*>(get_object_by_id(entry.get_person())))
+        add(entry.get_person());
+    // The walk is bounded, so a damaged cycle of parents ends.
+    const ZBDBObject* up = get_object_by_id(entry.get_parent_id());
+    for (int steps = 0; up && up != this && steps <= get_nobjects(); ++steps) {
+        if (dynamic_cast<const ZBDPerson*>(up))
+            add(up->get_id());
+        up = up->get_parent_id() >= 0 ? get_object_by_id(up->get_parent_id()) : nullptr;
+    }
+    return people;
+}
+
+int ZBDiary::generate_sequence(ZBDEntry& entry, int n, bool forward, bool keep, bool)
+{
+    int result = dynamic_cast<ZBDEvent*>(&entry) ? m_eventMgr->generate_sequence(entry, n, forward, keep)
+                                                  : m_financeMgr->generate_sequence(entry, n, forward, keep);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return result;
+}
+
+ZBDEntry* ZBDiary::get_dentry_id(int id) const
+{
+    return dynamic_cast<ZBDEntry*>(get_object_by_id(id));
+}
+
+int ZBDiary::add_sysquants(ZBDBObject&)
+{
+    // Spec objects take their system values when the spec class arrives; the
+    // list is ZBDEntry::get_sysquants.
+    return ZBErrC_okNotHandled;
+}
+
+int ZBDiary::validate_spec(const ZBDEntry& entry, const std::string& specName, const std::string& childTag) const
+{
+    const std::string source = get_spec_source(specName);
+    if (source.empty())
+        return ZBErrC_ok;
+    if (source.find("$[" + childTag + "] = ") != std::string::npos)
+        return ZBErrC_ok;
+    return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s cannot hold %s (%s).", specName.c_str(),
+                      entry.get_summary().c_str(), ZBDEntry::entrytype_to_string(entry.get_entrytype()).c_str());
+}
+
+const std::vector<std::string>& ZBDiary::default_spec_names()
+{
+    static const std::vector<std::string> names = {C_TopLevelSpecName, C_PersonSpec, C_GroupSpec,
+                                                   C_EventSpec,        C_JournalSpec, C_PrayerSpec};
+    return names;
+}
+
+std::string ZBDiary::default_spec_source(const std::string& name)
+{
+    if (name == C_JournalSpec)
+        return type_line("Journal");
+    if (name == C_EventSpec)
+        return type_line("Event");
+    if (name == C_PersonSpec)
+        return type_line("Person") + child_line(C_JournalTag, C_JournalSpec) + child_line(C_EventTag, C_EventSpec);
+    if (name == C_GroupSpec)
+        return type_line("Address") + child_line(C_PersonTag, C_PersonSpec);
+    if (name == C_PrayerSpec)
+        return type_line("Prayer") + child_line(C_JournalTag, C_PrayerUpdateSpec);
+    if (name == C_TopLevelSpecName)
+        return child_line(C_DefaultChildName, C_DefaultSpecName) + child_line(C_PersonTag, C_PersonSpec)
+            + child_line(C_GroupTag, C_GroupSpec) + child_line(C_EventTag, C_EventSpec)
+            + child_line(C_JournalTag, C_JournalSpec) + child_line(C_PrayerTag, C_PrayerSpec);
+    return std::string();
+}
+
+std::string ZBDiary::get_spec_source(const std::string& name) const
+{
+    auto it = m_specSource.find(name);
+    return it == m_specSource.end() ? std::string() : it->second;
+}
+
+void ZBDiary::set_spec_source(const std::string& name, const std::string& source)
+{
+    m_specSource[name] = source;
+}
+
+// A user's own lines stay; only child lines of the default that are missing are added.
+int ZBDiary::update_specs()
+{
+    for (const std::string& name : default_spec_names()) {
+        auto it = m_specSource.find(name);
+        if (it == m_specSource.end()) {
+            m_specSource[name] = default_spec_source(name);
+            continue;
+        }
+        std::string& source = it->second;
+        for (const std::string& line : source_lines(default_spec_source(name))) {
+            if (line.compare(0, 2, "$[") != 0 || source.find(line.substr(0, line.find(" = "))) != std::string::npos)
+                continue;
+            if (!source.empty() && source.back() != '\n')
+                source += '\n';
+            source += line;
+        }
+    }
+    return ZBErrC_ok;
+}
+
+} // namespace Tervalon

@@ -1,0 +1,87 @@
+#include "LibDiary/diary/zbjournalmgr.h"
+#include "LibDiary/diary/zbdevent.h"
+#include "LibDiary/diary/zbdiary.h"
+#include "LibDiary/diary/zbdjournal.h"
+#include "LibDiary/diary/zbeventmgr.h"
+#include "LibDiary/diary/zbjournaldata.h"
+
+#include <memory>
+
+namespace Tervalon {
+
+ZBJournalMgr::ZBJournalMgr(ZBDiary& diary) : ZBDiaryMgr(diary, "journal") {}
+
+ZBJournalData& ZBJournalMgr::data() const
+{
+    return get_diary().journalC();
+}
+
+bool ZBJournalMgr::has_user_data() const
+{
+    const ZBDiary& diary = get_diary();
+    for (int i = 0; i < diary.get_nobjects(); ++i) {
+        const ZBDBObject* object = diary.get_object_by_index(i);
+        if (!object->is_deleted() && dynamic_cast<const ZBDJournal*>(object))
+            return true;
+    }
+    return false;
+}
+
+ZBDJournal* ZBJournalMgr::get_journal_id(int id) const
+{
+    return id < 0 ? nullptr : dynamic_cast<ZBDJournal*>(get_diary().get_object_by_id(id));
+}
+
+int ZBJournalMgr::add_journal(ZBDBObject* parent, ZBDJournal*& out)
+{
+    out = nullptr;
+    auto journal = std::make_unique<ZBDJournal>();
+    if (iszbwarn(get_diary().add_object(journal.get(), parent ? parent : &get_diary(), ZBDiary::C_JournalTag,
+                                        std::string(), -1, std::string())))
+        return zbpass(ZBLOC);
+    out = journal.release();
+    return ZBErrC_ok;
+}
+
+// The event stays behind as a deleted record, so that a merge with an older
+// copy sees it go; what referred to the event refers to the note from now on.
+int ZBJournalMgr::event_to_journal(int id)
+{
+    ZBDiary& diary = get_diary();
+    ZBDEvent* event = diary.eventE().get_event_id(id);
+    if (event == nullptr)
+        return ZBASSERT(event != nullptr);
+    auto journal = std::make_unique<ZBDJournal>();
+    journal->clone_values(*event);
+    journal->set_date(event->get_time().m_start);
+    ZBDBObject* parent = diary.get_object_by_id(event->get_parent_id());
+    if (!parent || parent->is_deleted())
+        parent = &diary;
+    const std::string member = event->get_member_tag();
+    ZBDBObject* removed = nullptr;
+    if (iszbwarn(diary.extract_object(id, removed, false)))
+        return zbpass(ZBLOC);
+    std::unique_ptr<ZBDBObject> copy(removed);
+    if (iszbwarn(diary.add_object(journal.get(), parent, ZBDiary::C_JournalTag, member, -1, std::string())))
+        return zbpass(ZBLOC);
+    ZBDJournal* note = journal.release();
+    // Children of the event (notes, people) move to the new note.
+    while (ZBDBObject* child = copy->extract_managed_child()) {
+        const std::string tag = child->get_obj_container_tag().empty() ? ZBDatabase::C_DefaultChildName
+                                                                        : child->get_obj_container_tag();
+        ZBDBObject* live = diary.get_object_by_id(child->get_id());
+        if (live && live->is_deleted()) {
+            live->set_state(ZBDBObject::E_Normal);
+            diary.reparent(live, note, tag);
+        }
+        delete child;
+    }
+    for (int i = 0; i < diary.get_nobjects(); ++i) {
+        ZBDBObject* object = diary.get_object_by_index(i);
+        if (object != note && !object->is_deleted())
+            object->remap_id(id, note->get_id());
+    }
+    return diary.resolve_containers();
+}
+
+} // namespace Tervalon
