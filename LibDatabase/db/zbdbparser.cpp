@@ -38,16 +38,17 @@ void ZBDBParser::tokenise(const std::string& text)
             i = end;
         } else if (c == '"') {
             const int start = line;
+            // A quoted string ends on its own line; an unclosed one is cut at the line feed.
             size_t end = text.find('"', i + 1);
+            const size_t feed = text.find('\n', i + 1);
+            if (feed != std::string::npos && (end == std::string::npos || feed < end))
+                end = std::string::npos;
             push_token('"', start);
-            const size_t stop = end == std::string::npos ? n : end;
-            std::string contents = text.substr(i + 1, stop - i - 1);
-            for (char ch : contents)
-                line += ch == '\n';
-            push_token(contents, start);
+            const size_t stop = end != std::string::npos ? end : (feed == std::string::npos ? n : feed);
+            push_token(text.substr(i + 1, stop - i - 1), start);
             if (end != std::string::npos)
                 push_token('"', line);
-            i = end == std::string::npos ? n : end + 1;
+            i = end == std::string::npos ? stop : end + 1;
         } else if (text.compare(i, 2, C_BlockStart) == 0) {
             const int start = line;
             size_t pos = i + 2;
