@@ -5,6 +5,7 @@
 #include "AppTervalonDiary/cli/cmdduration.h"
 #include "AppTervalonDiary/cli/cmddump.h"
 #include "AppTervalonDiary/cli/cmdrepeat.h"
+#include "AppTervalonDiary/cli/cmdspec.h"
 #include "AppTervalonDiary/cli/cmdrewrite.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
@@ -25,6 +26,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdDate()));
     add_command(std::unique_ptr<CliCommand>(new CmdDuration()));
     add_command(std::unique_ptr<CliCommand>(new CmdRepeat()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSpec()));
 }
 
 TervalonCli::~TervalonCli() = default;
