@@ -11,6 +11,7 @@
 #include "AppTervalonDiary/cli/cmdduration.h"
 #include "AppTervalonDiary/cli/cmddump.h"
 #include "AppTervalonDiary/cli/cmdrepeat.h"
+#include "AppTervalonDiary/cli/cmdspec.h"
 #include "AppTervalonDiary/cli/cmdrewrite.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
@@ -37,6 +38,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdPostpone()));
     add_command(std::unique_ptr<CliCommand>(new CmdSet()));
     add_command(std::unique_ptr<CliCommand>(new CmdRm()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSpec()));
 }
 
 TervalonCli::~TervalonCli() = default;

@@ -1,4 +1,6 @@
 #include "LibDatabase/db/zbdatabase.h"
+#include "LibDatabase/db/zbdbparser.h"
+#include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
 #include "LibCore/application/zbapplication.h"
 #include "LibDate/date/zbdateutils.h"
@@ -12,8 +14,11 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
+#include <regex>
+#include <set>
 #include <sstream>
 
 namespace Tervalon {
@@ -261,7 +266,12 @@ int ZBDatabase::initialise(bool created)
         if (m_appType.empty() && has_zbapplication())
             m_appType = zbapplication().get_application();
     }
-    return resolve_containers();
+    int result = resolve_containers();
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    // A spec that does not parse leaves its objects as they were; the load goes on.
+    parse_objectspecs(true);
+    return ZBErrC_ok;
 }
 
 bool ZBDatabase::has_user_data() const
@@ -358,6 +368,8 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
             return zbpass(ZBLOC);
     } else {
         resolve_containers();
+        // In memory only: a read-only view shows the variables as specs give them.
+        parse_objectspecs(true);
     }
     return ZBErrC_ok;
 }
@@ -872,8 +884,34 @@ int ZBDatabase::resolve_containers()
     return ZBErrC_ok;
 }
 
-int ZBDatabase::update_vars(int, bool)
+int ZBDatabase::update_vars(int id, bool mark)
 {
+    auto update = [mark](ZBDBObject* object) {
+        if (object->get_nvars() == 0)
+            return;
+        std::vector<std::string> before;
+        if (mark)
+            for (int i = 0; i < object->get_nvars(); ++i)
+                before.push_back(object->var_to_string(i));
+        object->update_vars();
+        if (!mark)
+            return;
+        bool changed = int(before.size()) != object->get_nvars();
+        for (int i = 0; !changed && i < object->get_nvars(); ++i)
+            changed = before[size_t(i)] != object->var_to_string(i);
+        if (changed)
+            object->mark_changed(ZBLOC, true);
+    };
+    if (id >= 0) {
+        ZBDBObject* object = get_object_by_id(id);
+        if (!object)
+            return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find object ID %d.", id);
+        update(object);
+        return ZBErrC_ok;
+    }
+    for (ZBDBObject* object : m_object)
+        if (!object->is_deleted())
+            update(object);
     return ZBErrC_ok;
 }
 
@@ -916,6 +954,546 @@ void ZBDatabase::pause_background(bool pause)
     }
     if (!pause)
         signal();
+}
+
+// ---------------------------------------------------------------- specs
+
+
+namespace {
+
+// The line of the first statement of text that matches pattern, counted from 1
+// and moved by offset; the spec's own first line when none matches.
+int line_of(const std::string& text, const std::string& pattern, int offset)
+{
+    std::smatch match;
+    const std::regex re(pattern);
+    if (!std::regex_search(text, match, re))
+        return offset + 1;
+    return offset + 1 + int(std::count(text.begin(), text.begin() + match.position(0), '\n'));
+}
+
+std::string trim(const std::string& text)
+{
+    const size_t start = text.find_first_not_of(" \t\r\n");
+    if (start == std::string::npos)
+        return std::string();
+    const size_t end = text.find_last_not_of(" \t\r\n");
+    return text.substr(start, end - start + 1);
+}
+
+std::string spec_source(const ZBObjectSpec& spec)
+{
+    return spec.get_file_name().empty() ? spec.get_name() : spec.get_file_name();
+}
+
+int spec_offset(const ZBObjectSpec& spec)
+{
+    return spec.get_file_name().empty() || spec.get_file_line() < 1 ? 0 : spec.get_file_line() - 1;
+}
+
+} // namespace
+
+ZBObjectSpec* ZBDatabase::get_objectspec_by_index(int index) const
+{
+    return index >= 0 && index < m_objectSpec.size() ? m_objectSpec.get(index) : nullptr;
+}
+
+ZBObjectSpec* ZBDatabase::get_objectspec_by_name(const std::string& name) const
+{
+    for (int i = 0; i < m_objectSpec.size(); ++i)
+        if (m_objectSpec.get(i)->get_name() == name)
+            return m_objectSpec.get(i);
+    return nullptr;
+}
+
+ZBObjectSpec* ZBDatabase::get_objectspec_by_id(int id) const
+{
+    return id < 0 ? nullptr : m_objectSpec.find_id(id);
+}
+
+int ZBDatabase::add_objectspec(ZBObjectSpec* spec, const std::string& operation)
+{
+    if (!spec)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
+    if (!ZBDBParser::is_valid_name(spec->get_name())) {
+        const std::string name = spec->get_name();
+        delete spec;
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
+                          "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
+                          name.c_str());
+    }
+    if (get_objectspec_by_name(spec->get_name())) {
+        const std::string name = spec->get_name();
+        delete spec;
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "A spec named %s already exists.", name.c_str());
+    }
+    int result = add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    result = parse_objectspec(*spec);
+    if (!operation.empty())
+        complete_operation(operation);
+    return result;
+}
+
+int ZBDatabase::add_objectspec(const std::string& name, const std::string& text, int* id, const std::string& operation)
+{
+    ZBObjectSpec* spec = new ZBObjectSpec(name, text);
+    int result = add_objectspec(spec, operation);
+    if (id)
+        *id = get_objectspec_by_name(name) ? get_objectspec_by_name(name)->get_id() : -1;
+    return result;
+}
+
+int ZBDatabase::set_spec_source(const std::string& name, const std::string& text, bool parse)
+{
+    ZBObjectSpec* spec = get_objectspec_by_name(name);
+    if (!spec) {
+        spec = new ZBObjectSpec(name, text);
+        if (!parse) {
+            if (!ZBDBParser::is_valid_name(name)) {
+                delete spec;
+                return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
+                                  "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
+                                  name.c_str());
+            }
+            return add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
+        }
+        int result = add_objectspec(spec);
+        if (iszbwarn(result))
+            return result;
+        return apply_objectspecs();
+    }
+    if (spec->get_text() != text) {
+        spec->set_text(text);
+        spec->mark_changed(ZBLOC, true);
+    }
+    if (!parse)
+        return ZBErrC_ok;
+    int result = parse_objectspecs(true);
+    return iszbwarn(result) ? result : ZBErrC_ok;
+}
+
+int ZBDatabase::parse_objectspec(ZBObjectSpec& spec, int* line)
+{
+    if (line)
+        *line = -1;
+    const std::string source = spec_source(spec);
+    const int offset = spec_offset(spec);
+    if (std::find(m_specParsing.begin(), m_specParsing.end(), spec.get_id()) != m_specParsing.end()) {
+        const int at = line_of(spec.get_text(), "\\binherits\\b", offset);
+        if (line)
+            *line = at;
+        spec.set_parsed(false);
+        return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC,
+                          "Spec Inheritance Error: %s:%d: error The spec %s inherits from itself.", source.c_str(), at,
+                          spec.get_name().c_str());
+    }
+    m_specParsing.push_back(spec.get_id());
+    struct Pop {
+        std::vector<int>& stack;
+        ~Pop() { stack.pop_back(); }
+    } pop{m_specParsing};
+
+    ZBObjectSpec trial(spec);
+    int result = trial.parse(line);
+    if (iszbwarn(result)) {
+        spec.set_parsed(false);
+        return result;
+    }
+    for (const std::string& name : std::vector<std::string>(trial.get_inherited())) {
+        const int at = line_of(spec.get_text(), "\\binherits\\s+" + name + "\\b", offset);
+        const std::string prefix = zb_sprintf("%s:%d:", source.c_str(), at);
+        ZBObjectSpec* base = get_objectspec_by_name(name);
+        if (!base || base == &spec) {
+            if (line)
+                *line = at;
+            spec.set_parsed(false);
+            if (base)
+                return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC,
+                                  "Spec Inheritance Error: %s error The spec %s inherits from itself.", prefix.c_str(),
+                                  name.c_str());
+            return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC,
+                              "Spec Inheritance Error: %s Could not find inherited spec name %s.", prefix.c_str(),
+                              name.c_str());
+        }
+        if (iszbwarn(parse_objectspec(*base))) {
+            // The base's own message stays below this one on the error stack.
+            if (line)
+                *line = at;
+            spec.set_parsed(false);
+            return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "Spec Error: %s Error in inherited spec %s.",
+                              prefix.c_str(), name.c_str());
+        }
+        trial.apply_inheritance(*base);
+    }
+    for (int i = 0; i < trial.get_nchildren(); ++i) {
+        ZBObjectSpecChild* child = trial.get_child_by_index(i);
+        ZBObjectSpec* childSpec = get_objectspec_by_name(child->m_specName);
+        if (!childSpec) {
+            if (line)
+                *line = child->m_lineNo;
+            spec.set_parsed(false);
+            return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "Child Spec Error: %s:%d Could not find child spec name %s.",
+                              source.c_str(), child->m_lineNo, child->m_specName.c_str());
+        }
+        child->m_specId = childSpec->get_id();
+        child->m_defaultSpecId = -1;
+        if (!child->m_defaultSpecName.empty()) {
+            ZBObjectSpec* defaultSpec = get_objectspec_by_name(child->m_defaultSpecName);
+            if (!defaultSpec) {
+                if (line)
+                    *line = child->m_lineNo;
+                spec.set_parsed(false);
+                return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC,
+                                  "Child Default Spec Error: %s:%d Could not find child spec name %s.", source.c_str(),
+                                  child->m_lineNo, child->m_defaultSpecName.c_str());
+            }
+            child->m_defaultSpecId = defaultSpec->get_id();
+        }
+    }
+    spec.take_parsed(trial);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::parse_objectspecs(bool apply)
+{
+    m_specErrors.clear();
+    int first = ZBErrC_ok;
+    for (int i = 0; i < m_objectSpec.size(); ++i) {
+        ZBObjectSpec* spec = m_objectSpec.get(i);
+        if (spec->is_deleted())
+            continue;
+        int result = parse_objectspec(*spec);
+        if (iszbwarn(result)) {
+            const ZBErrDetails* top = get_zberror().top();
+            m_specErrors.push_back(top ? top->get_details(ZBErrAsp_User) : std::string("Spec ") + spec->get_name());
+            if (!iszbwarn(first))
+                first = result;
+        }
+    }
+    if (apply)
+        apply_objectspecs();
+    return first;
+}
+
+int ZBDatabase::create_default_spec()
+{
+    const std::string tail = std::string(C_DefaultChildName) + "] = ${" + C_DefaultSpecName + "}[];\n";
+    if (!get_objectspec_by_name(C_DefaultSpecName)) {
+        int result = add_object(new ZBObjectSpec(C_DefaultSpecName,
+                                                 "# Default objects can also have default objects as children\n$[" + tail),
+                                this, C_SpecTag, std::string(), -1, std::string());
+        if (iszbwarn(result))
+            return zbpass(ZBLOC);
+    }
+    if (!get_objectspec_by_name(C_TopLevelSpecName)) {
+        int result = add_object(new ZBObjectSpec(C_TopLevelSpecName,
+                                                 "# Allow Default objects at the top level of the database\n$[" + tail),
+                                this, C_SpecTag, std::string(), -1, std::string());
+        if (iszbwarn(result))
+            return zbpass(ZBLOC);
+    }
+    return parse_objectspecs(true);
+}
+
+int ZBDatabase::apply_objectspecs()
+{
+    for (ZBDBObject* object : m_object) {
+        if (object->get_specid() < 0 || object->is_deleted() || !object->uses_spec())
+            continue;
+        ZBObjectSpec* spec = get_objectspec_by_id(object->get_specid());
+        if (spec && spec->is_parsed())
+            object->apply_objectspec(*spec);
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::apply_objectspec_to_db(ZBDBObject& object, int specId, bool update)
+{
+    ZBObjectSpec* spec = get_objectspec_by_id(specId);
+    if (!spec)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find spec ID %d.", specId);
+    if (spec->is_base_only())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The spec %s is only a base for other specs.", spec->get_name().c_str());
+    if (!spec->is_parsed())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The spec %s has errors and cannot be applied.", spec->get_name().c_str());
+    object.set_specid(specId);
+    int result = object.apply_objectspec(*spec);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    if (update)
+        object.mark_changed(ZBLOC, true);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::edit_objectspec(int id, int lockId)
+{
+    ZBObjectSpec* spec = get_objectspec_by_id(id);
+    if (!spec)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not edit - Object ID %d not found.", id);
+    int result = spec->edit(lockId, false);
+    return iszbwarn(result) ? zbpass(ZBLOC) : ZBErrC_ok;
+}
+
+// A text that does not parse is not committed: the spec stays in edit with the
+// user's text, so that it can be mended or reverted, and no object changes.
+int ZBDatabase::commit_objectspec(int id, const std::string& operation, int* line)
+{
+    ZBObjectSpec* spec = get_objectspec_by_id(id);
+    if (!spec)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find spec ID %d.", id);
+    int result = parse_objectspec(*spec, line);
+    if (iszbwarn(result))
+        return result;
+    result = spec->commit();
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    parse_objectspecs(false);
+    for (ZBDBObject* object : m_object) {
+        if (object->is_deleted() || object->get_specid() < 0 || !is_spec_derived_from(object->get_specid(), id))
+            continue;
+        ZBObjectSpec* own = get_objectspec_by_id(object->get_specid());
+        if (own && own->is_parsed()) {
+            object->apply_objectspec(*own);
+            object->mark_changed(ZBLOC, true);
+        }
+    }
+    if (!operation.empty())
+        return complete_operation(operation);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::revert_objectspec(int id)
+{
+    ZBObjectSpec* spec = get_objectspec_by_id(id);
+    if (!spec)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find spec ID %d.", id);
+    int result = spec->revert();
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    spec->set_parsed(true);
+    return ZBErrC_ok;
+}
+
+bool ZBDatabase::objectspec_in_use(int id) const
+{
+    for (const ZBDBObject* object : m_object)
+        if (!object->is_deleted() && object->get_specid() == id)
+            return true;
+    return false;
+}
+
+bool ZBDatabase::objectspec_referenced(int id) const
+{
+    const ZBObjectSpec* spec = get_objectspec_by_id(id);
+    if (!spec)
+        return false;
+    for (int i = 0; i < m_objectSpec.size(); ++i) {
+        const ZBObjectSpec* other = m_objectSpec.get(i);
+        if (other != spec && !other->is_deleted() && other->referenced(spec->get_name()))
+            return true;
+    }
+    return false;
+}
+
+int ZBDatabase::delete_objectspec(int id, const std::string& operation)
+{
+    ZBObjectSpec* spec = get_objectspec_by_id(id);
+    if (!spec)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find spec ID %d.", id);
+    if (objectspec_in_use(id))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The spec %s is used by objects and cannot be deleted.",
+                          spec->get_name().c_str());
+    if (objectspec_referenced(id))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The spec %s is used by other specs and cannot be deleted.",
+                          spec->get_name().c_str());
+    return delete_object(id, operation);
+}
+
+int ZBDatabase::rename_spec(int id, const std::string& name)
+{
+    ZBObjectSpec* spec = get_objectspec_by_id(id);
+    if (!spec)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find spec ID %d.", id);
+    if (!ZBDBParser::is_valid_name(name))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
+                          "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
+                          name.c_str());
+    if (get_objectspec_by_name(name))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "A spec named %s already exists.", name.c_str());
+    const std::string from = spec->get_name();
+    for (int i = 0; i < m_objectSpec.size(); ++i) {
+        ZBObjectSpec* other = m_objectSpec.get(i);
+        if (other->referenced(from)) {
+            other->handle_rename(from, name);
+            other->mark_changed(ZBLOC, true);
+        }
+    }
+    spec->set_name(name);
+    spec->mark_changed(ZBLOC, true);
+    return ZBErrC_ok;
+}
+
+bool ZBDatabase::is_spec_derived_from(int specId, int baseId) const
+{
+    std::vector<int> seen;
+    std::vector<int> todo{specId};
+    while (!todo.empty()) {
+        const int id = todo.back();
+        todo.pop_back();
+        if (id == baseId)
+            return true;
+        if (std::find(seen.begin(), seen.end(), id) != seen.end())
+            continue;
+        seen.push_back(id);
+        if (const ZBObjectSpec* spec = get_objectspec_by_id(id))
+            for (const std::string& name : spec->get_inherited())
+                if (const ZBObjectSpec* base = get_objectspec_by_name(name))
+                    todo.push_back(base->get_id());
+    }
+    return false;
+}
+
+int ZBDatabase::get_var_values(const std::string& tag, std::vector<std::string>& out) const
+{
+    std::set<std::string> seen(out.begin(), out.end());
+    for (const ZBDBObject* object : m_object) {
+        if (object->is_deleted())
+            continue;
+        if (const ZBVariable* variable = object->get_var_by_tag(tag)) {
+            const std::string value = trim(variable->get_value());
+            if (!value.empty() && seen.insert(value).second)
+                out.push_back(value);
+        }
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::get_ref_constraint_values(const std::string& param, std::vector<std::string>& out) const
+{
+    static const std::regex form("^\\s*\\$\\{\\s*(\\w+)\\s*\\}\\s*(\\w+(?::\\w+)?)\\s*$");
+    std::smatch match;
+    if (!std::regex_match(param, match, form)) {
+        out.push_back("ERROR: REFERENCE should be followed by \"${SPEC} VARIABLE\"");
+        return ZBErrC_ok;
+    }
+    const ZBObjectSpec* spec = get_objectspec_by_name(match[1].str());
+    if (!spec) {
+        out.push_back("Cannot find spec " + match[1].str());
+        return ZBErrC_ok;
+    }
+    std::set<std::string> seen;
+    const std::string tag = match[2].str();
+    for (const ZBDBObject* object : m_object) {
+        if (object->is_deleted() || object->get_specid() < 0 || !is_spec_derived_from(object->get_specid(), spec->get_id()))
+            continue;
+        if (const ZBVariable* variable = object->get_var_by_tag(tag)) {
+            const std::string value = trim(variable->get_value());
+            if (!value.empty() && seen.insert(value).second)
+                out.push_back(value);
+        }
+    }
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::export_specs(std::ostream& out) const
+{
+    for (int i = 0; i < m_objectSpec.size(); ++i)
+        if (!m_objectSpec.get(i)->is_deleted())
+            m_objectSpec.get(i)->export_spec(out);
+    return out ? ZBErrC_ok : zberror(ZBErrC_FileWrite, ZBLOC, "Could not write the specs.");
+}
+
+int ZBDatabase::export_specs(const std::string& fileName) const
+{
+    std::ofstream out(fileName, std::ios::binary | std::ios::trunc);
+    if (!out)
+        return zbwarnuser(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", fileName.c_str());
+    int result = export_specs(out);
+    out.close();
+    if (!out)
+        return zbwarnuser(ZBErrC_FileWrite, ZBLOC, "Could not write the file %s", fileName.c_str());
+    return result;
+}
+
+// Definitions open with the separator line and "{NAME}" (a spec) or "[NAME]"
+// (a query); a definition runs to the next separator or the end of the file.
+// Everything is read before anything changes, so a bad file changes nothing.
+int ZBDatabase::import_specs(std::istream& in, const std::string& fileName, std::vector<std::string>* names)
+{
+    struct Definition {
+        std::string name;
+        std::string text;
+        int line;
+        bool query;
+    };
+    std::vector<Definition> definitions;
+    std::string line;
+    int lineNo = 0;
+    bool inside = false;
+    std::set<std::string> seen;
+    while (std::getline(in, line)) {
+        ++lineNo;
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.compare(0, ZBObjectSpec::C_ExportSpecSep.size(), ZBObjectSpec::C_ExportSpecSep) == 0) {
+            const std::string rest = line.substr(ZBObjectSpec::C_ExportSpecSep.size());
+            const bool query = !rest.empty() && rest[0] == '[';
+            const char close = query ? ']' : '}';
+            if (rest.empty() || (rest[0] != '{' && rest[0] != '[') || rest.back() != close)
+                return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "(%s:%d): error: Unterminated spec \"%s\"",
+                                  fileName.c_str(), lineNo, rest.c_str());
+            const std::string name = trim(rest.substr(1, rest.size() - 2));
+            if (name.empty())
+                return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, query ? "(%s:%d): error: Empty query name."
+                                                                       : "(%s:%d): error: Empty spec name.",
+                                  fileName.c_str(), lineNo);
+            if (!seen.insert((query ? "[" : "{") + name).second)
+                return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "(%s:%d): error: Extra \"%s\" tag.", fileName.c_str(),
+                                  lineNo, rest.c_str());
+            definitions.push_back(Definition{name, std::string(), lineNo + 1, query});
+            inside = true;
+            continue;
+        }
+        if (!inside) {
+            if (trim(line).empty())
+                continue;
+            return zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "(%s:%d): error: Unknown line \"%s\" outside spec definition.",
+                              fileName.c_str(), lineNo, line.c_str());
+        }
+        definitions.back().text += line + "\n";
+    }
+    for (const Definition& definition : definitions) {
+        if (definition.query)
+            continue; // Queries are read by the query machinery from the same file.
+        if (names)
+            names->push_back(definition.name);
+        ZBObjectSpec* spec = get_objectspec_by_name(definition.name);
+        if (!spec) {
+            if (!ZBDBParser::is_valid_name(definition.name))
+                return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
+                                  "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
+                                  definition.name.c_str());
+            spec = new ZBObjectSpec(definition.name, definition.text);
+            int result = add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
+            if (iszbwarn(result))
+                return zbpass(ZBLOC);
+        } else {
+            spec->set_text(definition.text);
+            spec->mark_changed(ZBLOC, true);
+        }
+        spec->set_file_info(fileName, definition.line);
+    }
+    return parse_objectspecs(true);
+}
+
+int ZBDatabase::import_specs(const std::string& fileName, std::vector<std::string>* names)
+{
+    std::ifstream in(fileName, std::ios::binary);
+    if (!in)
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", fileName.c_str());
+    return import_specs(in, fileName, names);
 }
 
 } // namespace Tervalon

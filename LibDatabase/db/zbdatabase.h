@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LibDatabase/db/zbdbobject.h"
+#include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
 #include "LibDatabase/db/zbdbindex.h"
 #include "LibDatabase/db/zbexternaldb.h"
@@ -120,7 +121,7 @@ public:
     ZBDBObject* get_object_by_index(int index) const { return m_object.at(index); }
     int get_nobjects() const { return m_object.size(); }
     // The specs, queries and notes held directly by the database; filled by resolve_containers.
-    const ZBDBContainer<ZBDBObject>& get_objectspecs() const { return m_objectSpec; }
+    const ZBDBContainer<ZBObjectSpec>& get_objectspecs() const { return m_objectSpec; }
     const ZBDBContainer<ZBDBObject>& get_queries() const { return m_query; }
     const ZBDBContainer<ZBDBObject>& get_notes() const { return m_note; }
     ZBDBObject* get_object_parent(int id) const;
@@ -136,7 +137,56 @@ public:
     bool db_has_changed_since(long since, bool structureOnly) const;
     bool needs_save() const;
     int resolve_containers();
+    // Works out the variables of one object, or of all (id -1); with mark, an
+    // object whose stored values changed is marked changed.
     int update_vars(int id, bool mark);
+
+    // Specs. A spec text that does not parse is never applied: the spec keeps
+    // what it had and its objects keep their variables.
+    int get_nobjectspecs() const { return m_objectSpec.size(); }
+    ZBObjectSpec* get_objectspec_by_index(int index) const;
+    ZBObjectSpec* get_objectspec_by_name(const std::string& name) const;
+    ZBObjectSpec* get_objectspec_by_id(int id) const;
+    // Adds a spec from its text and parses it; the id goes to id when given.
+    int add_objectspec(const std::string& name, const std::string& text, int* id = nullptr,
+                       const std::string& operation = std::string());
+    // Adds a spec object made by the caller (taking it) and parses it.
+    int add_objectspec(ZBObjectSpec* spec, const std::string& operation = std::string());
+    // Creates the spec or replaces its text; with parse, parses and applies.
+    int set_spec_source(const std::string& name, const std::string& text, bool parse);
+    // Parses one spec and, first, the specs it inherits from. line gets the
+    // line of a fault.
+    int parse_objectspec(ZBObjectSpec& spec, int* line = nullptr);
+    // Parses every spec; with apply, applies them to their objects. The first
+    // fault is returned after all were tried.
+    int parse_objectspecs(bool apply);
+    // The "Default" and "TopLevel" specs, made when missing. Applications add
+    // their own default types in an override.
+    virtual int create_default_spec();
+    int apply_objectspecs();
+    // Gives object the spec specId and its variables; update works them out.
+    virtual int apply_objectspec_to_db(ZBDBObject& object, int specId, bool update);
+    int edit_objectspec(int id, int lockId = -1);
+    int commit_objectspec(int id, const std::string& operation = std::string(), int* line = nullptr);
+    int revert_objectspec(int id);
+    int delete_objectspec(int id, const std::string& operation = std::string());
+    int rename_spec(int id, const std::string& name);
+    bool objectspec_in_use(int id) const;
+    bool objectspec_referenced(int id) const;
+    // Whether spec specId is baseId or inherits from it, at any depth.
+    bool is_spec_derived_from(int specId, int baseId) const;
+    // Every distinct non-blank trimmed value of a variable across the objects.
+    int get_var_values(const std::string& tag, std::vector<std::string>& out) const;
+    // The values a "reference" constraint offers: param is "${SPEC} VARIABLE".
+    int get_ref_constraint_values(const std::string& param, std::vector<std::string>& out) const;
+    // The ".zbo" spec file: every spec, or reading one in (replacing specs of
+    // the same name). import gives the names read in names, when asked.
+    int export_specs(std::ostream& out) const;
+    int export_specs(const std::string& fileName) const;
+    int import_specs(std::istream& in, const std::string& fileName, std::vector<std::string>* names = nullptr);
+    int import_specs(const std::string& fileName, std::vector<std::string>* names = nullptr);
+    // The messages of the spec faults found by the last parse_objectspecs.
+    const std::vector<std::string>& get_spec_errors() const { return m_specErrors; }
     // Closes one user action; the undo machinery records it.
     virtual int complete_operation(const std::string& operation);
 
@@ -162,7 +212,10 @@ protected:
 private:
     ZBPtrArrayIndex<ZBDBObject, int> m_object;
     // Typed by the classes that will fill them; until those exist they hold plain objects.
-    ZBDBContainer<ZBDBObject> m_objectSpec;
+    ZBDBContainer<ZBObjectSpec> m_objectSpec;
+    // Specs under parse, to find inheritance cycles.
+    std::vector<int> m_specParsing;
+    std::vector<std::string> m_specErrors;
     ZBDBContainer<ZBDBObject> m_query;
     ZBDBContainer<ZBDBObject> m_note;
     int m_uniqueId;

@@ -2,10 +2,15 @@
 #include "LibDatabase/db/zbdatabase.h"
 #include "LibDatabase/db/zbdbcontainer.h"
 #include "LibDatabase/db/zbdbscript.h"
+#include "LibDatabase/db/zbdbscriptcache.h"
+#include "LibDatabase/db/zbobjectspec.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibObject/object/zbdump.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <ctime>
 #include <sstream>
 
 namespace Tervalon {
@@ -23,7 +28,7 @@ const char* const ZBDBObject::C_StartupTrigger = "startup";
 ZBDBObject::ZBDBObject()
     : m_id(-1), m_state(E_Normal), m_parentId(-1), m_specId(-1), m_createTime(ZBDate::E_Blank), m_createID(-1),
       m_modifyTime(ZBDate::E_Blank), m_backup(nullptr), m_created(false), m_containers(false), m_parent(nullptr),
-      m_database(nullptr), m_objectSerialised(false), m_triggerUpdateVars(false), m_alertState(0), m_systemChange(false)
+      m_database(nullptr), m_objectSerialised(false), m_triggerUpdateVars(false), m_alertState(0), m_systemChange(false), m_varsChanged(false)
 {
     ZBDBObject::register_zbobject();
 }
@@ -33,10 +38,10 @@ ZBDBObject::ZBDBObject()
 ZBDBObject::ZBDBObject(const ZBDBObject& other)
     : ZBObject(other), ZBUpdateCounter(other), ZBLockable(), m_id(other.m_id), m_state(other.m_state), m_parentId(other.m_parentId),
       m_containerTag(other.m_containerTag), m_memberTag(other.m_memberTag), m_link(other.m_link),
-      m_specId(other.m_specId), m_variable(other.m_variable), m_createTime(other.m_createTime),
+      m_specId(other.m_specId), m_variable(other.m_variable), m_vars(other.m_vars), m_createTime(other.m_createTime),
       m_createID(other.m_createID), m_modifyTime(other.m_modifyTime), m_child(other.m_child), m_script(other.m_script),
       m_backup(nullptr), m_created(false), m_containers(false), m_parent(nullptr), m_database(nullptr),
-      m_objectSerialised(other.m_objectSerialised), m_triggerUpdateVars(other.m_triggerUpdateVars), m_modifyLoc(other.m_modifyLoc), m_alertState(other.m_alertState), m_systemChange(false)
+      m_objectSerialised(other.m_objectSerialised), m_triggerUpdateVars(other.m_triggerUpdateVars), m_modifyLoc(other.m_modifyLoc), m_alertState(other.m_alertState), m_systemChange(false), m_varsChanged(other.m_varsChanged)
 {
     ZBDBObject::register_zbobject();
 }
@@ -62,6 +67,8 @@ ZBDBObject& ZBDBObject::operator=(const ZBDBObject& other)
     m_link = other.m_link;
     m_specId = other.m_specId;
     m_variable = other.m_variable;
+    m_vars = other.m_vars;
+    m_varsChanged = other.m_varsChanged;
     m_createTime = other.m_createTime;
     m_createID = other.m_createID;
     m_modifyTime = other.m_modifyTime;
@@ -73,11 +80,15 @@ ZBDBObject& ZBDBObject::operator=(const ZBDBObject& other)
     return *this;
 }
 
+namespace {
+bool same_vars(const ZBDBObject& a, const ZBDBObject& b);
+}
+
 bool ZBDBObject::operator==(const ZBDBObject& other) const
 {
     return m_id == other.m_id && m_state == other.m_state && m_parentId == other.m_parentId
         && m_containerTag == other.m_containerTag && m_memberTag == other.m_memberTag && m_link == other.m_link
-        && m_specId == other.m_specId && m_variable == other.m_variable && m_createTime == other.m_createTime
+        && m_specId == other.m_specId && same_vars(*this, other) && m_createTime == other.m_createTime
         && m_createID == other.m_createID && m_modifyTime == other.m_modifyTime && m_child == other.m_child
         && m_script == other.m_script && ZBObject::operator==(other);
 }
@@ -119,7 +130,29 @@ int ZBDBObject::serialise(std::istream* in, std::ostream* out, const std::string
     ZBSrlValueVector<ZBDBObjectLink> links(m_link);
     serialise_value(in, out, prefix, "L", links);
     serialise_field<int>(in, out, prefix, "O", m_specId, -1);
+    if (out && (!m_vars.empty() || m_varsChanged)) {
+        std::vector<std::string> stored;
+        stored_vars(stored);
+        m_variable.clear();
+        for (const std::string& text : stored)
+            m_variable.push_back(new std::string(text));
+        m_varsChanged = false;
+    }
     serialise_string_array(in, out, prefix, "V", m_variable);
+    if (in && (!m_vars.empty() || !m_variable.empty())) {
+        // Read over a live object (a revert, a replayed change): values at
+        // their default were not written, so they go back to the spec's text.
+        for (int i = m_vars.size() - 1; i >= 0; --i) {
+            if (m_vars[i]->get_spec())
+                m_vars[i]->clone_spec();
+            else
+                m_vars.remove(i);
+        }
+        for (const std::string* text : m_variable)
+            var_from_string(*text);
+        m_varsChanged = false;
+        trigger_update_vars();
+    }
     const ZBDate blank(ZBDate::E_Blank);
     serialise_field<ZBDate>(in, out, prefix, "CT", m_createTime, blank);
     serialise_field<int>(in, out, prefix, "CI", m_createID, -1);
@@ -206,8 +239,10 @@ int ZBDBObject::commit()
         return zberror(ZBErrC_NullPointer, ZBLOC, "The object %d was not backed up.", m_id);
     delete m_backup;
     m_backup = nullptr;
-    // Prompt variables count as answered from here on; they belong to the spec
-    // machinery, which marks them through trigger_update_vars.
+    // Prompt variables count as answered from here on.
+    for (ZBVariable* variable : m_vars)
+        if (variable->is_prompt())
+            variable->mark_initialised();
     unlock();
     mark_changed(ZBLOC, true);
     m_created = false;
@@ -226,6 +261,11 @@ int ZBDBObject::revert()
     int result = derived_assign(*m_backup, version);
     m_id = id;
     restore_update(lastUpdate);
+    for (ZBVariable* variable : m_vars)
+        if (variable->get_spec()) {
+            update_vars();
+            break;
+        }
     delete m_backup;
     m_backup = nullptr;
     unlock();
@@ -483,6 +523,468 @@ void ZBDBObject::clear_containers()
 {
     for (ZBDBContainerBase* container : m_containers)
         container->clear();
+}
+
+// ---------------------------------------------------------------- variables
+
+namespace {
+
+bool same_vars(const ZBDBObject& a, const ZBDBObject& b)
+{
+    if (a.get_nvars() == 0 && b.get_nvars() == 0)
+        return a.get_variable_text() == b.get_variable_text();
+    if (a.get_nvars() != b.get_nvars())
+        return false;
+    for (int i = 0; i < a.get_nvars(); ++i)
+        if (!(*a.get_var_by_index(i) == *b.get_var_by_index(i)))
+            return false;
+    return true;
+}
+
+std::string escape_var(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (char c : text) {
+        if (c == '\\' || c == '#')
+            out += '\\';
+        out += c;
+    }
+    return out;
+}
+
+bool valid_var_tag(const std::string& tag)
+{
+    if (tag.empty())
+        return false;
+    int colons = 0;
+    for (size_t i = 0; i < tag.size(); ++i) {
+        const char c = tag[i];
+        if (c == ':') {
+            if (++colons > 1 || i == 0 || i + 1 == tag.size())
+                return false;
+        } else if (!std::isalnum((unsigned char)c) && c != '_') {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string clock_text(const char* format)
+{
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char buffer[64];
+    std::strftime(buffer, sizeof buffer, format, &local);
+    return buffer;
+}
+
+} // namespace
+
+void ZBDBObject::stored_vars(std::vector<std::string>& out) const
+{
+    for (int i = 0; i < m_vars.size(); ++i) {
+        const ZBVariable* variable = m_vars[i];
+        const std::shared_ptr<ZBVarSpec>& spec = variable->get_spec();
+        if (spec && (spec->is_derived() || variable->get_value() == spec->get_spec()))
+            continue;
+        out.push_back(var_to_string(i));
+    }
+}
+
+int ZBDBObject::pre_validate_value(const std::string& tag, const std::string& value, std::string& message) const
+{
+    const ZBVariable* variable = get_var_by_tag(tag);
+    if (variable && variable->get_spec() && !variable->get_spec()->check_value(value, message))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: %s", tag.c_str(), message.c_str());
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::get_nvars(bool includePrivate) const
+{
+    if (includePrivate)
+        return m_vars.size();
+    int n = 0;
+    for (const ZBVariable* variable : m_vars)
+        n += !variable->is_private();
+    return n;
+}
+
+ZBVariable* ZBDBObject::get_var_by_tag(const std::string& tag) const
+{
+    for (ZBVariable* variable : m_vars)
+        if (variable->get_tag() == tag)
+            return variable;
+    return nullptr;
+}
+
+bool ZBDBObject::var_is_calculated(const std::string& tag) const
+{
+    const ZBVariable* variable = get_var_by_tag(tag);
+    return variable && variable->is_derived();
+}
+
+int ZBDBObject::add_var(ZBVariable* variable)
+{
+    if (!variable)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
+    for (int i = 0; i < m_vars.size(); ++i)
+        if (m_vars[i]->get_tag() == variable->get_tag()) {
+            m_vars.remove(i);
+            m_vars.insert(i, variable);
+            return ZBErrC_ok;
+        }
+    m_vars.push_back(variable);
+    return ZBErrC_ok;
+}
+
+void ZBDBObject::clear_vars()
+{
+    m_varsChanged = m_varsChanged || !m_vars.empty() || !m_variable.empty();
+    m_vars.clear();
+}
+
+int ZBDBObject::remove_var_by_index(int index)
+{
+    if (index < 0 || index >= m_vars.size())
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "There is no variable %d.", index);
+    m_varsChanged = true;
+    return m_vars.remove(index);
+}
+
+int ZBDBObject::locate_vars(const std::string& text)
+{
+    size_t start = 0, end = 0;
+    std::string inner;
+    for (size_t pos = 0; locate_next_var(text, pos, start, end, inner); pos = end) {
+        char modifier = 0;
+        int parents = 0;
+        std::string tag;
+        extract_var(inner, modifier, parents, tag);
+        if (parents > 0 || !valid_var_tag(tag) || get_var_by_tag(tag))
+            continue;
+        ZBVariable* variable = new ZBVariable(tag, std::string());
+        if (tag == "DATE" || tag == "TIME" || tag == "YEAR") {
+            variable->set_value(clock_text(tag == "DATE" ? "%d-%b-%Y" : (tag == "TIME" ? "%I:%M:%S %p" : "%Y")));
+            variable->mark_initialised();
+        } else {
+            std::shared_ptr<ZBVarSpec> spec = std::make_shared<ZBVarSpec>(tag);
+            spec->set_prompt(true);
+            variable->set_spec(spec);
+        }
+        m_vars.push_back(variable);
+    }
+    return ZBErrC_ok;
+}
+
+std::string ZBDBObject::get_var_value(const std::string& tag, bool searchParents, bool update)
+{
+    ZBDBObject* object = this;
+    ZBVariable* variable = get_var_by_tag(tag);
+    while (!variable && searchParents && object->get_parent()) {
+        object = object->get_parent();
+        variable = object->get_var_by_tag(tag);
+    }
+    if (!variable)
+        return "$<" + tag + ">";
+    if (update && variable->is_auto()) {
+        const std::string& old = variable->get_value();
+        const int width = int(old.size());
+        const long next = std::strtol(old.c_str(), nullptr, 10) + 1;
+        variable->set_value(zb_sprintf("%0*d", width, int(next)));
+        variable->mark_initialised();
+        object->mark_changed(ZBLOC, false);
+    }
+    return variable->get_value();
+}
+
+int ZBDBObject::set_var_value(const std::string& tag, const std::string& value)
+{
+    ZBVariable* variable = get_var_by_tag(tag);
+    if (!variable) {
+        if (!valid_var_tag(tag))
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid variable name %s.", tag.c_str());
+        variable = new ZBVariable(tag, value);
+        m_vars.push_back(variable);
+    }
+    variable->set_value(value);
+    variable->clear_cache();
+    variable->mark_initialised();
+    if (variable->is_sysvalue()) {
+        const std::string assoc = variable->get_spec()->get_assoc();
+        if (assoc.empty())
+            set_sysvalue(tag, value);
+        else
+            set_sysvalue(variable->get_spec()->get_name(), assoc, value);
+    }
+    return ZBErrC_ok;
+}
+
+std::string ZBDBObject::var_to_string(int index) const
+{
+    const ZBVariable* variable = m_vars.at(index);
+    if (!variable)
+        return std::string();
+    return variable->get_tag() + "=" + escape_var(variable->get_value());
+}
+
+int ZBDBObject::var_from_string(const std::string& text)
+{
+    size_t pos = 0;
+    const size_t n = text.size();
+    int result = ZBErrC_ok;
+    while (pos < n) {
+        while (pos < n && text[pos] == ' ')
+            ++pos;
+        if (pos >= n)
+            break;
+        const size_t equals = text.find('=', pos);
+        std::string value;
+        size_t next = n;
+        if (equals != std::string::npos) {
+            size_t i = equals + 1;
+            for (; i < n; ++i) {
+                if (text[i] == '\\' && i + 1 < n) {
+                    value += text[++i];
+                } else if (text[i] == '#' && (i + 1 == n || text[i + 1] == ' ')) {
+                    next = i + 1;
+                    break;
+                } else {
+                    value += text[i];
+                }
+            }
+        }
+        const std::string tag = equals == std::string::npos ? text.substr(pos) : text.substr(pos, equals - pos);
+        if (equals == std::string::npos || !valid_var_tag(tag)) {
+            result = zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "Invalid embedded variable %s", text.substr(pos).c_str());
+            break;
+        }
+        ZBVariable* variable = get_var_by_tag(tag);
+        if (!variable) {
+            variable = new ZBVariable(tag, value);
+            m_vars.push_back(variable);
+        }
+        variable->set_value(value);
+        variable->mark_initialised();
+        pos = next;
+    }
+    return result;
+}
+
+int ZBDBObject::apply_objectspec(const ZBObjectSpec& spec)
+{
+    if (!uses_spec())
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "This object does not use object specs.");
+    const int nspec = spec.get_nvarspecs();
+    ZBPtrArray<ZBVariable> linked;
+    for (int i = 0; i < nspec; ++i) {
+        const std::shared_ptr<ZBVarSpec>& varSpec = spec.get_varspec_ptr(i);
+        ZBVariable* variable = nullptr;
+        for (int j = 0; j < m_vars.size(); ++j)
+            if (m_vars[j]->get_tag() == varSpec->get_tag()) {
+                variable = m_vars.extract(j);
+                break;
+            }
+        if (!variable)
+            variable = new ZBVariable(varSpec->get_tag(), varSpec->get_spec());
+        variable->set_spec(varSpec);
+        linked.push_back(variable);
+    }
+    if (!m_vars.empty())
+        m_varsChanged = true;
+    m_vars = std::move(linked);
+    m_vars.set_managed(true);
+    update_vars();
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::update_vars()
+{
+    m_triggerUpdateVars = false;
+    if (m_vars.empty())
+        return ZBErrC_okFinished;
+    for (ZBVariable* variable : m_vars) {
+        if (variable->is_sysvalue()) {
+            const std::string assoc = variable->get_spec()->get_assoc();
+            variable->set_value(assoc.empty() ? get_sysvalue(variable->get_tag())
+                                              : get_sysvalue(variable->get_spec()->get_name(), assoc));
+            continue;
+        }
+        if ((variable->is_derived() || !variable->is_initialised()) && variable->get_spec() && !apply_note(*variable))
+            variable->clone_spec();
+    }
+    bool progress = true;
+    bool unfinished = false;
+    while (progress) {
+        progress = false;
+        unfinished = false;
+        for (ZBVariable* variable : m_vars) {
+            if (variable->is_initialised())
+                continue;
+            if ((variable->is_prompt() && !variable->is_derived()) || apply_note(*variable)) {
+                unfinished = true;
+                continue;
+            }
+            if (expand_var(*variable) == ZBErrC_okFinished) {
+                variable->mark_initialised();
+                if (variable->is_sysvalue()) {
+                    const std::string assoc = variable->get_spec()->get_assoc();
+                    if (assoc.empty())
+                        set_sysvalue(variable->get_tag(), variable->get_value());
+                    else
+                        set_sysvalue(variable->get_spec()->get_name(), assoc, variable->get_value());
+                }
+                progress = true;
+            } else {
+                unfinished = true;
+            }
+        }
+    }
+    return unfinished ? ZBErrC_okNotFinished : ZBErrC_okFinished;
+}
+
+int ZBDBObject::expand_var(ZBVariable& variable)
+{
+    std::string text = variable.get_value();
+    int result = apply_vars(text, true, nullptr);
+    if (result != ZBErrC_okFinished)
+        return result;
+    variable.set_value(text);
+    variable.set_cached(true);
+    return ZBErrC_okFinished;
+}
+
+bool ZBDBObject::locate_next_var(const std::string& text, size_t from, size_t& start, size_t& end, std::string& inner)
+{
+    start = text.find("$<", from);
+    if (start == std::string::npos)
+        return false;
+    const size_t close = text.find('>', start + 2);
+    if (close == std::string::npos)
+        return false;
+    inner = text.substr(start + 2, close - start - 2);
+    end = close + 1;
+    return true;
+}
+
+void ZBDBObject::extract_var(const std::string& inner, char& modifier, int& parents, std::string& tag)
+{
+    size_t pos = 0;
+    modifier = 0;
+    parents = 0;
+    if (inner.size() >= 2 && inner[0] == '%') {
+        modifier = inner[1];
+        pos = 2;
+    }
+    while (pos < inner.size() && inner[pos] == '^') {
+        ++parents;
+        ++pos;
+    }
+    tag = inner.substr(pos);
+}
+
+int ZBDBObject::apply_vars(std::string& text, bool firstTime, ZBDBScriptCache* cache)
+{
+    bool unfinished = false;
+    size_t pos = 0;
+    for (int count = 0; count < 10000; ++count) {
+        size_t start = 0, end = 0;
+        std::string inner;
+        if (!locate_next_var(text, pos, start, end, inner))
+            break;
+        char modifier = 0;
+        int parents = 0;
+        std::string tag;
+        extract_var(inner, modifier, parents, tag);
+        const ZBDBObject* object = this;
+        for (int i = 0; i < parents && object; ++i)
+            object = object->get_parent();
+        const ZBVariable* variable = object ? object->get_var_by_tag(tag) : nullptr;
+        if (!variable || (firstTime && !variable->is_initialised())) {
+            unfinished = true;
+            pos = start + 2;
+            continue;
+        }
+        std::string value = variable->get_value();
+        if (modifier == 'L' || modifier == 'l')
+            for (char& c : value)
+                c = char(std::tolower((unsigned char)c));
+        else if (modifier == 'U' || modifier == 'u')
+            for (char& c : value)
+                c = char(std::toupper((unsigned char)c));
+        text.replace(start, end - start, value);
+        // The value is not searched again, so a value holding "$<" cannot loop.
+        pos = start + value.size();
+    }
+    if (unfinished)
+        return ZBErrC_okNotFinished;
+    ZBDBScriptCache temporary;
+    if (!cache)
+        cache = &temporary;
+    pos = 0;
+    for (int slot = 0; slot < 100; ++slot) {
+        const size_t start = text.find("$=(", pos);
+        if (start == std::string::npos)
+            break;
+        size_t i = start + 3;
+        int depth = 1;
+        for (; i < text.size() && depth > 0; ++i)
+            depth += text[i] == '(' ? 1 : (text[i] == ')' ? -1 : 0);
+        if (depth > 0)
+            break;
+        std::string result;
+        cache->evaluate(text.substr(start + 3, i - 1 - start - 3), slot, result);
+        text.replace(start, i - start, result);
+        pos = start + result.size();
+    }
+    return ZBErrC_okFinished;
+}
+
+int ZBDBObject::copy_values(const ZBDBObject& other)
+{
+    for (ZBVariable* variable : m_vars)
+        if (const ZBVariable* from = other.get_var_by_tag(variable->get_tag())) {
+            variable->set_value(from->get_value());
+            variable->mark_initialised(from->is_initialised());
+        }
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::append_values(const ZBDBObject& other)
+{
+    copy_values(other);
+    for (const ZBVariable* from : other.m_vars)
+        if (!get_var_by_tag(from->get_tag())) {
+            ZBVariable* copy = new ZBVariable(from->get_tag(), from->get_value());
+            copy->mark_initialised(from->is_initialised());
+            m_vars.push_back(copy);
+        }
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::post_validate_values(std::string& message) const
+{
+    message.clear();
+    for (const ZBVariable* variable : m_vars) {
+        std::string why;
+        if (variable->get_spec() && !variable->get_spec()->check_value(variable->get_value(), why))
+            message += (message.empty() ? "" : "\n") + variable->get_tag() + ": " + why;
+    }
+    if (!message.empty())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s", message.c_str());
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::set_number_seq(const std::string& tag, int number)
+{
+    ZBVariable* variable = get_var_by_tag(tag);
+    if (!variable)
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "There is no variable %s.", tag.c_str());
+    const int width = int(variable->get_value().size());
+    variable->set_value(zb_sprintf("%0*d", width, number));
+    variable->mark_initialised();
+    return ZBErrC_ok;
 }
 
 } // namespace Tervalon

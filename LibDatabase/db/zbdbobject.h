@@ -6,6 +6,7 @@
 #include "LibDatabase/db/zblockable.h"
 #include "LibDatabase/db/zbdbcontainerbase.h"
 #include "LibDatabase/db/zbdbscript.h"
+#include "LibDatabase/db/zbvariable.h"
 #include "LibDate/date/zbdate.h"
 
 #include <memory>
@@ -15,6 +16,8 @@
 namespace Tervalon {
 
 class ZBDatabase;
+class ZBObjectSpec;
+class ZBDBScriptCache;
 
 // An identified node of a database's tree: its id, state, parent, the tags of
 // the container that holds it and of its role there, links, spec and variables,
@@ -62,6 +65,14 @@ public:
     virtual int set_sysvalue(const std::string& tag, const std::string& value);
     virtual int set_sysvalue(const std::string& tag, const std::string& subtag, const std::string& value);
     virtual void trigger_update_vars() { m_triggerUpdateVars = true; }
+    // Links the variables to a spec's declarations, adds the missing ones, drops
+    // those the spec no longer has, and works the values out.
+    virtual int apply_objectspec(const ZBObjectSpec& spec);
+    // A hook through which a subclass (the notes) may take over a variable's
+    // value; a claimed variable is neither reset nor expanded.
+    virtual bool apply_note(ZBVariable& variable) { (void)variable; return false; }
+    // Checks a value before it is set; message says why it is refused.
+    virtual int pre_validate_value(const std::string& tag, const std::string& value, std::string& message) const;
     virtual bool can_run_scripts() const { return true; }
 
     // Editing. lockId names the holder (-1 for the program itself); created says
@@ -112,9 +123,53 @@ public:
     int get_assoc_by_index(const std::string& type, int index) const;
     const std::vector<ZBDBObjectLink>& get_all_links() const { return m_link; }
 
-    // Variables as stored text; the spec machinery interprets them.
+    // Variables in their stored form, one "TAG=VALUE" text each, as the file
+    // holds them. Refreshed from the variables on every write; changes go
+    // through set_var_value.
     ZBPtrArray<std::string>& get_variable_text() { return m_variable; }
     const ZBPtrArray<std::string>& get_variable_text() const { return m_variable; }
+
+    // Variables. includePrivate false counts only those a user is shown.
+    int get_nvars(bool includePrivate = true) const;
+    ZBVariable* get_var_by_index(int index) const { return m_vars.at(index); }
+    ZBVariable* get_var_by_tag(const std::string& tag) const;
+    // Derived variables are worked out on every update; the user does not type them.
+    bool var_is_calculated(const std::string& tag) const;
+    // Takes ownership; a variable of the same tag is replaced.
+    int add_var(ZBVariable* variable);
+    void clear_vars();
+    int remove_var_by_index(int index);
+    // Adds a prompt variable for each $<NAME> in text that the object lacks;
+    // DATE, TIME and YEAR are filled from the clock at once.
+    int locate_vars(const std::string& text);
+    // The value of tag; with searchParents the nearest ancestor that has it.
+    // An auto variable read with update counts on by one. An unknown tag gives
+    // "$<TAG>", so that a text shows it unchanged.
+    std::string get_var_value(const std::string& tag, bool searchParents = false, bool update = false);
+    // Sets (or adds) a variable; the value counts as the user's own.
+    int set_var_value(const std::string& tag, const std::string& value);
+    // The stored form of one variable, and reading a list of them (entries end
+    // at an unescaped "#" and a blank).
+    std::string var_to_string(int index) const;
+    int var_from_string(const std::string& text);
+    // Works the values out in two passes: resets, then expands to a fixed
+    // point. okFinished when every variable is done, okNotFinished otherwise.
+    int update_vars();
+    // Substitutes $<...> in text and then evaluates $=(...). okNotFinished when
+    // a variable was missing or not yet worked out (then no expression runs).
+    int apply_vars(std::string& text, bool firstTime, ZBDBScriptCache* cache);
+    int expand_var(ZBVariable& variable);
+    // Finds the next "$<...>" at or after from: its span and the text inside.
+    static bool locate_next_var(const std::string& text, size_t from, size_t& start, size_t& end, std::string& inner);
+    // Splits the inside of "$<...>" into modifier, parent steps and tag.
+    static void extract_var(const std::string& inner, char& modifier, int& parents, std::string& tag);
+    // Copies the values of variables both objects have; append_values also adds the others.
+    int copy_values(const ZBDBObject& other);
+    int append_values(const ZBDBObject& other);
+    // Checks every value against its constraint; message lists the faults.
+    int post_validate_values(std::string& message) const;
+    // Sets an auto variable to number, padded to its present width.
+    int set_number_seq(const std::string& tag, int number);
 
     // Managed children: the copies an object carries outside a database.
     void add_managed_child(ZBDBObject* child);
@@ -155,6 +210,7 @@ private:
     std::vector<ZBDBObjectLink> m_link;
     int m_specId;
     ZBPtrArray<std::string> m_variable;
+    ZBPtrArray<ZBVariable> m_vars;
     ZBDate m_createTime;
     int m_createID;
     ZBDate m_modifyTime;
@@ -174,6 +230,11 @@ private:
     std::string m_modifyLoc;
     int m_alertState;
     bool m_systemChange;
+    // Set when a variable went away, so that the stored form is rebuilt even
+    // when none is left.
+    bool m_varsChanged;
+
+    void stored_vars(std::vector<std::string>& out) const;
 };
 
 } // namespace Tervalon

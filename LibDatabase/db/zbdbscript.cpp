@@ -14,7 +14,7 @@ ZBDBScript::ZBDBScript()
 
 bool ZBDBScript::operator==(const ZBDBScript& other) const
 {
-    return m_name == other.m_name && m_trigger == other.m_trigger && m_script == other.m_script && ZBObject::operator==(other);
+    return m_name == other.m_name && m_trigger == other.m_trigger && m_script == other.m_script && m_shortcut == other.m_shortcut && ZBObject::operator==(other);
 }
 
 void ZBDBScript::dump(std::ostream& out, int indent) const
@@ -23,6 +23,7 @@ void ZBDBScript::dump(std::ostream& out, int indent) const
     dump.add_entry("m_name", m_name);
     dump.add_entry("m_trigger", m_trigger);
     dump.add_entry("m_script", m_script);
+    dump.add_entry("m_shortcut", m_shortcut);
     dump.write_heading("Base Class");
     dump.write();
     ZBObject::dump(out, indent + 1);
@@ -33,6 +34,7 @@ int ZBDBScript::serialise(std::istream* in, std::ostream* out, const std::string
     serialise_string(in, out, prefix, "N", m_name, true);
     serialise_string(in, out, prefix, "T", m_trigger, true);
     serialise_string(in, out, prefix, "S", m_script, true);
+    serialise_string(in, out, prefix, "K", m_shortcut, true);
     return ZBObject::serialise(in, out, prefix, version);
 }
 

@@ -23,6 +23,8 @@ public:
     std::string m_name;
     std::string m_trigger;
     std::string m_script;
+    // The key that runs the script from an object's window; empty for none.
+    std::string m_shortcut;
 };
 
 } // namespace Tervalon

@@ -132,7 +132,8 @@ TEST_F(DBContainers, AnOrphanBecomesDeletedWhenContainersAreResolved)
 
 TEST_F(DBContainers, SpecsQueriesAndNotesHaveTheirOwnContainers)
 {
-    ZBDBObject* spec = add(nullptr, ZBDatabase::C_SpecTag, "");
+    ZBObjectSpec* spec = new ZBObjectSpec("Thing");
+    EXPECT_FALSE(iszbwarn(db.add_object(spec, &db, ZBDatabase::C_SpecTag, "", -1, std::string())));
     ZBDBObject* note = add(nullptr, ZBDatabase::C_NoteTag, "");
     db.resolve_containers();
     EXPECT_EQ(db.get_objectspecs().size(), 1);
