@@ -5,6 +5,7 @@
 #include <QStandardPaths>
 
 #include <cstdarg>
+#include <functional>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -283,6 +284,19 @@ int ZBObject::serialise_object(std::istream* in, std::ostream* out, const std::s
     return ZBErrC_ok;
 }
 
+void ZBObject::take_entries(int type, const std::string* tag, const std::function<void(std::string&)>& take)
+{
+    for (int i = 0; i < m_readEntry.size();) {
+        ZBSerialisationEntry* entry = m_readEntry[i];
+        if (entry->m_entryType == type && (!tag || entry->m_tag == *tag)) {
+            take(entry->m_value);
+            m_readEntry.remove(i);
+        } else {
+            ++i;
+        }
+    }
+}
+
 int ZBObject::serialise_string_array(std::istream* in, std::ostream* out, const std::string& prefix,
                                      const std::string& tag, ZBPtrArray<std::string>& value)
 {
@@ -296,15 +310,7 @@ int ZBObject::serialise_string_array(std::istream* in, std::ostream* out, const 
     if (!in)
         return ZBErrC_ok;
     value.clear();
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
-            value.push_back(new std::string(entry->m_value));
-            m_readEntry.remove(i);
-        } else {
-            ++i;
-        }
-    }
+    take_entries(ZBSerialisationEntry::E_Field, &ctag, [&value](std::string& text) { value.push_back(new std::string(std::move(text))); });
     return ZBErrC_ok;
 }
 
@@ -321,15 +327,7 @@ int ZBObject::serialise_string_vector(std::istream* in, std::ostream* out, const
     if (!in)
         return ZBErrC_ok;
     value.clear();
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
-            value.push_back(entry->m_value);
-            m_readEntry.remove(i);
-        } else {
-            ++i;
-        }
-    }
+    take_entries(ZBSerialisationEntry::E_Field, &ctag, [&value](std::string& text) { value.push_back(std::move(text)); });
     return ZBErrC_ok;
 }
 
@@ -350,19 +348,12 @@ int ZBObject::serialise_string_maparray(std::istream* in, std::ostream* out, con
     if (!in)
         return ZBErrC_ok;
     value.clear();
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
-            size_t sep = entry->m_value.find('=');
-            std::string key = entry->m_value.substr(0, sep);
-            std::string text = sep == std::string::npos ? std::string() : entry->m_value.substr(sep + 1);
-            value.remove_value(key);
-            value.add(key, new std::string(text));
-            m_readEntry.remove(i);
-        } else {
-            ++i;
-        }
-    }
+    take_entries(ZBSerialisationEntry::E_Field, &ctag, [&value](std::string& line) {
+        const size_t sep = line.find('=');
+        const std::string key = line.substr(0, sep);
+        value.remove_value(key);
+        value.add(key, new std::string(sep == std::string::npos ? std::string() : line.substr(sep + 1)));
+    });
     return ZBErrC_ok;
 }
 
@@ -378,15 +369,7 @@ int ZBObject::serialise_data(std::istream* in, std::ostream* out, ZBPtrArray<std
     if (!in)
         return ZBErrC_ok;
     lines.clear();
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Raw) {
-            lines.push_back(new std::string(entry->m_value));
-            m_readEntry.remove(i);
-        } else {
-            ++i;
-        }
-    }
+    take_entries(ZBSerialisationEntry::E_Raw, nullptr, [&lines](std::string& text) { lines.push_back(new std::string(std::move(text))); });
     return ZBErrC_ok;
 }
 

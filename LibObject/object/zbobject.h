@@ -7,6 +7,7 @@
 #include "LibObject/object/zbserialisationentry.h"
 #include "LibObject/object/zbsrlvalue.h"
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -116,6 +117,9 @@ public:
     static int ZBErrC_ObjectFuncNotRegistered;
 
 protected:
+    // Hands the value of every read entry of a type (and tag, when given) to
+    // take, in order, and removes those entries.
+    void take_entries(int type, const std::string* tag, const std::function<void(std::string&)>& take);
     // Writes the unhandled entries and the class end.
     int write_unhandled(std::ostream& out) const;
     // Creates a T, or a copy of from: the body of every class's create_zbobject.
