@@ -46,6 +46,13 @@ struct Ids {
 Ids make_diary(Diary& diary)
 {
     Ids ids{};
+    DiarySettings& settings = diary.edit_settings();
+    settings.set_lookahead("2 weeks");
+    settings.set_workhours(8.0);
+    settings.set_sortorder(DiaryEntry::E_SortDueDate);
+    settings.set_plandate(at("4-Mar-2026 15:00"));
+    settings.set_is_setup(true);
+    settings.set_features(DiarySettings::C_FeatureTask | DiarySettings::C_FeaturePrayer);
     Resource* sam = nullptr;
     TimeType* home = nullptr;
     diary.add_resource("Sam", &sam);
@@ -96,6 +103,18 @@ Ids make_diary(Diary& diary)
     meeting->edit_depend().set_depend_ids({ids.task});
     meeting->edit_depend().set_depend_titles({"Facets; all of them", "Second title"});
     return ids;
+}
+
+// Each tag starts a line of text, after the one before it.
+void expect_in_order(const std::string& text, const std::vector<std::string>& tags)
+{
+    size_t last = 0;
+    for (const std::string& tag : tags) {
+        const size_t at = text.find("\n" + tag);
+        ASSERT_NE(at, std::string::npos) << tag << " in\n" << text;
+        EXPECT_LT(last, at) << tag << " in\n" << text;
+        last = at;
+    }
 }
 
 struct DiaryStream : public ::testing::Test {
@@ -179,6 +198,13 @@ TEST_F(DiaryStream, FacetsAreWrittenInOrderAndReadBack)
     EXPECT_EQ(meeting->get_depend().get_depend_ids(), std::vector<int>{ids.task});
     EXPECT_EQ(meeting->get_depend().get_depend_titles(),
               (std::vector<std::string>{"Facets; all of them", "Second title"}));
+    const DiarySettings& settings = diary.get_settings();
+    EXPECT_EQ(settings.get_lookahead(), "2 weeks");
+    EXPECT_EQ(settings.get_workhours(), 8.0);
+    EXPECT_EQ(settings.get_sortorder(), int(DiaryEntry::E_SortDueDate));
+    EXPECT_EQ(settings.get_plandate(), at("4-Mar-2026 00:00")); // always the start of its day
+    EXPECT_TRUE(settings.get_is_setup());
+    EXPECT_EQ(settings.get_features(), DiarySettings::C_FeatureTask | DiarySettings::C_FeaturePrayer);
     EXPECT_NE(diary.get_resource_by_name("Sam"), nullptr);
     EXPECT_NE(diary.get_timetype_by_name("Home"), nullptr);
 
@@ -198,14 +224,14 @@ TEST_F(DiaryStream, FacetFieldsKeepTheirPlaceInTheEntry)
     const size_t entry = golden.rfind("{DiaryEntry", begin);
     ASSERT_NE(entry, std::string::npos);
     const std::string record = golden.substr(entry, golden.find("\n}\n@O:", entry) - entry);
-    const char* const order[] = {"!et!", "!re!", "!tt!", "!rz!", "!ap!", "!bd!", "!st!", "!pg!", "!ab!", "@se",
+    const std::vector<std::string> order = {"!et!", "!re!", "!tt!", "!rz!", "!ap!", "!bd!", "!st!", "!pg!", "!ab!", "@se",
                                  "!cl!", "@pl",  "!dpo!", "!dpd!", "!cd!", "!ex!", "!sm!", "!tx!", "!sa!", "!du!",
                                  "!pr!", "!dr!", "!rpt!", "!bm!", "!ps!", "!I!"};
-    size_t last = 0;
-    for (const char* tag : order) {
-        const size_t at = record.find(std::string("\n") + tag);
-        ASSERT_NE(at, std::string::npos) << tag << " in\n" << record;
-        EXPECT_LT(last, at) << tag << " in\n" << record;
-        last = at;
-    }
+    expect_in_order(record, order);
+
+    // The settings open the diary's own record, before its import and calendar.
+    const size_t diary = golden.find("{Diary\n");
+    ASSERT_NE(diary, std::string::npos);
+    const std::string head = golden.substr(diary, golden.find("\n}\n@O:", diary) - diary);
+    expect_in_order(head, {"!LA!", "!WH!", "!S!", "!PD!", "!SU!", "!FT!", "@diaryImport", "@calendar", "!AFV!"});
 }
