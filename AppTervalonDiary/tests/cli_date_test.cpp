@@ -1,5 +1,6 @@
 #include "AppTervalonDiary/tests/clirun.h"
 #include "LibCore/error/zberror.h"
+#include "LibDate/date/zblocale.h"
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,9 @@ TEST(CliDate, BadOptionsGiveUsage)
 
 TEST(CliDuration, PrintsTheTextForm)
 {
+    // A day is a working day of the locale, which a diary opened earlier in
+    // this process sets to its own hours.
+    zblocale().set_workhours(8.0);
     CliRun r = tervalon({"duration", "1:30", "1.5h", "2d", "45m"});
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "01:30\n01:30\n16:00\n00:45\n");

@@ -363,3 +363,20 @@ TEST_F(EntryCommands, FailingCommandsLeaveTheFileUnchanged)
         EXPECT_EQ(QDir(QString::fromStdString(dir)).entryList(QDir::Files), filesBefore) << line;
     }
 }
+
+TEST_F(EntryCommands, TreeShowsDuesPushedDownFromParents)
+{
+    const std::string project = add({"--type", "O", "--title", "Project", "--due", "5-Mar-2026 12:00"});
+    const std::string early = add({"--type", "T", "--title", "Early", "--parent", project, "--due", "4-Mar-2026 09:00"});
+    const std::string late = add({"--type", "T", "--title", "Late", "--parent", project, "--due", "9-Mar-2026 09:00"});
+    const std::string open = add({"--type", "T", "--title", "Open", "--parent", project});
+    const std::string text = tree();
+    // A child keeps its own due when earlier, else takes its parent's.
+    EXPECT_NE(text.find(early + " T Early  due 2026-03-04 09:00"), std::string::npos) << text;
+    EXPECT_NE(text.find(late + " T Late  due 2026-03-05 12:00"), std::string::npos) << text;
+    EXPECT_NE(text.find(open + " T Open  due 2026-03-05 12:00"), std::string::npos) << text;
+    // Only what was entered is stored as the child's own.
+    std::unique_ptr<OnDisk> disk = load();
+    EXPECT_EQ(disk->entry(late)->get_due().orig, at("9-Mar-2026 09:00"));
+    EXPECT_TRUE(disk->entry(open)->get_due().orig.is_blank());
+}

@@ -141,6 +141,37 @@ TEST_F(DiaryEntries, PostponeTextsAndRefusals)
     EXPECT_FALSE(task->is_complete());
 }
 
+TEST_F(DiaryEntries, PostponeMovesOneSessionBySequence)
+{
+    DiaryEntry* task = nullptr;
+    diary.create_entry(nullptr, 'T', "Task", &task);
+    ZBDateSet& planned = task->edit_plan().edit_planned();
+    planned.add(ZBDateSlot(at("3-Mar-2026 09:00"), at("3-Mar-2026 10:00")), 1);
+    planned.add(ZBDateSlot(at("5-Mar-2026 09:00"), at("5-Mar-2026 10:00")), 1);
+    task->edit_spent().add_session(ZBDateSlot(at("2-Mar-2026 07:00"), at("2-Mar-2026 07:30")), 1);
+
+    // The second plan moves a day, its end with it; the first stays.
+    ASSERT_EQ(task->postpone("+1 day", "+1 day", DiaryEntry::get_sequence('p', 1)), ZBErrC_ok);
+    ASSERT_EQ(planned.size(), 2);
+    EXPECT_EQ(planned[0]->m_start, at("3-Mar-2026 09:00"));
+    EXPECT_EQ(planned[1]->m_start, at("6-Mar-2026 09:00"));
+    EXPECT_EQ(planned[1]->m_end, at("6-Mar-2026 10:00"));
+    EXPECT_EQ(planned[1]->m_type, 1);
+    // A spent session going back, start after end put in order.
+    ASSERT_EQ(task->postpone("-1 hour", "2-Mar-2026 05:00", DiaryEntry::get_sequence('s', 0)), ZBErrC_ok);
+    const ZBDateSet& spent = task->get_spent().get_sessions();
+    ASSERT_EQ(spent.size(), 1);
+    EXPECT_EQ(spent[0]->m_start, at("2-Mar-2026 05:00"));
+    EXPECT_EQ(spent[0]->m_end, at("2-Mar-2026 06:00"));
+    // The task's own dates are not touched.
+    EXPECT_TRUE(task->get_due().orig.is_blank());
+
+    EXPECT_TRUE(iszbwarn(task->postpone("+1 day", "", DiaryEntry::get_sequence('p', 2))));
+    EXPECT_TRUE(iszbwarn(task->postpone("+1 day", "", DiaryEntry::get_sequence('r', 0))));
+    get_zberror().clear_all();
+    EXPECT_EQ(planned.size(), 2);
+}
+
 TEST_F(DiaryEntries, TimeTypeAndResourceInUseAreRefused)
 {
     diary.initialise(true);
