@@ -66,9 +66,12 @@ int CliDiary::set_field(Diary& diary, DiaryEntry& entry, const std::string& fiel
         ZBDate date;
         if (iszbwarn(read_date(value, date)))
             return zbpass(ZBLOC);
-        if (field == "due" && entry.get_entrytype() == 'T')
+        // Appointments and notes live in their date slot; every other entry
+        // (a folder of tasks above all) has a due and a start-after.
+        const bool slotted = entry.get_entrytype() == 'A' || entry.get_entrytype() == 'J';
+        if (field == "due" && !slotted)
             entry.edit_due().set_orig(date);
-        else if (field == "start" && entry.get_entrytype() == 'T')
+        else if (field == "start" && !slotted)
             entry.edit_start().set_orig(date);
         else if (field == "start") {
             ZBDateSlot slot = entry.get_time().orig;

@@ -451,7 +451,10 @@ int DiaryEntry::mark_complete(const ZBDate& date)
         if (diary->get_session_id() == get_id())
             diary->set_session_id(-1);
 
-    ZBDate base = m_time.orig.m_end;
+    // An appointment's series runs from its start, and each instance keeps
+    // the length of the one finished.
+    const ZBDateSlot instance = m_time.orig;
+    ZBDate base = instance.m_start.is_ok() ? instance.m_start : instance.m_end;
     if (get_derived_entrytype() == 'T') {
         base = m_dueDate.orig;
         if (m_startAfter.orig.is_ok() && date < m_startAfter.orig)
@@ -483,6 +486,8 @@ int DiaryEntry::mark_complete(const ZBDate& date)
                 slot = m_repeat.generate_slot(base, m_repeat.next_date(from, this), ZBDate::C_Blank, this);
             }
             if (slot.m_start.is_ok()) {
+                if (get_derived_entrytype() != 'T')
+                    m_time.set_orig(instance);
                 m_erepeat.set_next_repeat(slot.m_start, slot.m_end);
                 ZBProgress progress = m_progress.orig;
                 progress.set_completion(0.0);
@@ -532,10 +537,15 @@ bool postpone_date(const std::string& text, const ZBDate& current, ZBDate& resul
         return true;
     }
     std::string full = text;
-    const char first = text.find_first_not_of(' ') == std::string::npos ? 0 : text[text.find_first_not_of(' ')];
+    const size_t at = text.find_first_not_of(' ');
+    const char first = at == std::string::npos ? 0 : text[at];
     ZBDate base = current.is_ok() ? current : ZBDateUtils::now();
-    if (first == '+' || first == '-')
+    // The date parser goes back with "+-": a leading "-" alone would be read
+    // as part of the date in front of it.
+    if (first == '+')
         full = base.to_string("%D %T ") + text;
+    else if (first == '-')
+        full = base.to_string("%D %T ") + "+" + text.substr(at);
     if (iszbwarn(ZBDateParser::read_checked(full, &base, nullptr, result)))
         return false;
     if (!result.is_ok())

@@ -1,4 +1,4 @@
-#include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/tests/clirun.h"
 #include "LibCore/error/zberror.h"
 #include "tests/support/testsupport.h"
 
@@ -8,26 +8,8 @@
 
 using namespace Tervalon;
 
-namespace {
-
-struct CliRun {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-CliRun tervalon(std::vector<std::string> args)
-{
-    args.insert(args.begin(), "tervalon");
-    std::ostringstream out;
-    std::ostringstream err;
-    TervalonCli cli;
-    int status = cli.run(args, out, err);
-    get_zberror().clear_all();
-    return {status, out.str(), err.str()};
-}
-
-} // namespace
+using Tervalon::Test::CliRun;
+using Tervalon::Test::tervalon;
 
 TEST(CliCommands, CreateCheckRewriteRoundTrip)
 {

@@ -1,5 +1,5 @@
 #include "AppTervalonDiary/cli/cmdrepeat.h"
-#include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/tests/clirun.h"
 #include "LibDate/date/zbdate.h"
 #include "LibDate/date/zbdateutils.h"
 
@@ -9,30 +9,12 @@
 
 using namespace Tervalon;
 
-namespace {
-
-struct CliRun {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-CliRun run_cli(const std::vector<std::string>& args)
-{
-    std::ostringstream out;
-    std::ostringstream err;
-    TervalonCli cli;
-    std::vector<std::string> argv = {"tervalon"};
-    argv.insert(argv.end(), args.begin(), args.end());
-    int status = cli.run(argv, out, err);
-    return {status, out.str(), err.str()};
-}
-
-} // namespace
+using Tervalon::Test::CliRun;
+using Tervalon::Test::tervalon;
 
 TEST(CliRepeat, PrintsWordsThenInstances)
 {
-    CliRun r = run_cli({"repeat", "T=3@N=1@D=1,3", "--from", "2026-03-02T08:00:00Z", "--count", "3"});
+    CliRun r = tervalon({"repeat", "T=3@N=1@D=1,3", "--from", "2026-03-02T08:00:00Z", "--count", "3"});
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("Every week on Mon, Wed\n"
               "2026-03-04T08:00:00Z\t2026-03-09T08:00:00Z\n"
@@ -44,7 +26,7 @@ TEST(CliRepeat, PrintsWordsThenInstances)
 TEST(CliRepeat, DefaultsToNowAndTenInstances)
 {
     ZBDateUtils::set_fixed_now(ZBDate(2026, 2, 1, 8, 0, 0, 0, ZBDate::C_GMT));
-    CliRun r = run_cli({"repeat", "T=2@N=1@O=3610"});
+    CliRun r = tervalon({"repeat", "T=2@N=1@O=3610"});
     ZBDateUtils::clear_fixed_now();
     EXPECT_EQ(0, r.status) << r.err;
     std::istringstream lines(r.out);
@@ -69,7 +51,7 @@ TEST(CliRepeat, BadInputIsAUserError)
         {{"repeat"}, nullptr},
     };
     for (const auto& row : rows) {
-        CliRun r = run_cli(row.args);
+        CliRun r = tervalon(row.args);
         EXPECT_EQ(1, r.status);
         EXPECT_TRUE(r.out.empty()) << r.out;
         if (row.err)

@@ -1,4 +1,4 @@
-#include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/tests/clirun.h"
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibDate/date/zbdateutils.h"
 #include "tests/support/testsupport.h"
@@ -9,6 +9,7 @@
 #include <sstream>
 
 using namespace Tervalon;
+using Tervalon::Test::tervalon;
 
 namespace {
 
@@ -36,17 +37,12 @@ struct Fixture : public ::testing::Test {
 using DiaryEntries = Fixture;
 using DiaryCli = Fixture;
 
-int run(const std::vector<std::string>& args, std::string* out = nullptr)
+// The status of a run, its output kept in out.
+int run_out(const std::vector<std::string>& args, std::string& out)
 {
-    std::ostringstream o;
-    std::ostringstream e;
-    TervalonCli cli;
-    std::vector<std::string> full{"tervalon"};
-    full.insert(full.end(), args.begin(), args.end());
-    int status = cli.run(full, o, e);
-    if (out)
-        *out = o.str();
-    return status;
+    Tervalon::Test::CliRun run = tervalon(args);
+    out = run.out;
+    return run.status;
 }
 
 } // namespace
@@ -145,6 +141,37 @@ TEST_F(DiaryEntries, PostponeTextsAndRefusals)
     EXPECT_FALSE(task->is_complete());
 }
 
+TEST_F(DiaryEntries, PostponeMovesOneSessionBySequence)
+{
+    DiaryEntry* task = nullptr;
+    diary.create_entry(nullptr, 'T', "Task", &task);
+    ZBDateSet& planned = task->edit_plan().edit_planned();
+    planned.add(ZBDateSlot(at("3-Mar-2026 09:00"), at("3-Mar-2026 10:00")), 1);
+    planned.add(ZBDateSlot(at("5-Mar-2026 09:00"), at("5-Mar-2026 10:00")), 1);
+    task->edit_spent().add_session(ZBDateSlot(at("2-Mar-2026 07:00"), at("2-Mar-2026 07:30")), 1);
+
+    // The second plan moves a day, its end with it; the first stays.
+    ASSERT_EQ(task->postpone("+1 day", "+1 day", DiaryEntry::get_sequence('p', 1)), ZBErrC_ok);
+    ASSERT_EQ(planned.size(), 2);
+    EXPECT_EQ(planned[0]->m_start, at("3-Mar-2026 09:00"));
+    EXPECT_EQ(planned[1]->m_start, at("6-Mar-2026 09:00"));
+    EXPECT_EQ(planned[1]->m_end, at("6-Mar-2026 10:00"));
+    EXPECT_EQ(planned[1]->m_type, 1);
+    // A spent session going back, start after end put in order.
+    ASSERT_EQ(task->postpone("-1 hour", "2-Mar-2026 05:00", DiaryEntry::get_sequence('s', 0)), ZBErrC_ok);
+    const ZBDateSet& spent = task->get_spent().get_sessions();
+    ASSERT_EQ(spent.size(), 1);
+    EXPECT_EQ(spent[0]->m_start, at("2-Mar-2026 05:00"));
+    EXPECT_EQ(spent[0]->m_end, at("2-Mar-2026 06:00"));
+    // The task's own dates are not touched.
+    EXPECT_TRUE(task->get_due().orig.is_blank());
+
+    EXPECT_TRUE(iszbwarn(task->postpone("+1 day", "", DiaryEntry::get_sequence('p', 2))));
+    EXPECT_TRUE(iszbwarn(task->postpone("+1 day", "", DiaryEntry::get_sequence('r', 0))));
+    get_zberror().clear_all();
+    EXPECT_EQ(planned.size(), 2);
+}
+
 TEST_F(DiaryEntries, TimeTypeAndResourceInUseAreRefused)
 {
     diary.initialise(true);
@@ -171,30 +198,30 @@ TEST_F(DiaryCli, CommandsEndToEndAndFailuresLeaveTheFile)
 {
     const std::string dir = Tervalon::Test::make_temp_dir("diary_cli");
     const std::string file = dir + "/d.zbd";
-    ASSERT_EQ(run({"create", file}), 0);
+    ASSERT_EQ(tervalon({"create", file}).status, 0);
     std::string out;
-    ASSERT_EQ(run({"add", file, "--type", "O", "--title", "Project"}, &out), 0);
+    ASSERT_EQ(run_out({"add", file, "--type", "O", "--title", "Project"}, out), 0);
     const std::string project = out.substr(0, out.find('\n'));
-    ASSERT_EQ(run({"add", file, "--type", "T", "--title", "Write", "--parent", project, "--due", "+2 days",
-                   "--priority", "50"}, &out), 0);
+    ASSERT_EQ(run_out({"add", file, "--type", "T", "--title", "Write", "--parent", project, "--due", "+2 days",
+                   "--priority", "50"}, out), 0);
     const std::string task = out.substr(0, out.find('\n'));
-    ASSERT_EQ(run({"tree", file}, &out), 0);
+    ASSERT_EQ(run_out({"tree", file}, out), 0);
     EXPECT_NE(out.find("  " + task + " T Write  due 2026-03-04 08:00  0%"), std::string::npos) << out;
 
     const std::string before = Tervalon::Test::read_file(file);
-    EXPECT_EQ(run({"postpone", file, task, "whenever"}), 1);
-    EXPECT_EQ(run({"add", file, "--type", "T", "--title", "x", "--parent", "999"}), 1);
-    EXPECT_EQ(run({"set", file, task, "completion", "150"}), 1);
+    EXPECT_EQ(tervalon({"postpone", file, task, "whenever"}).status, 1);
+    EXPECT_EQ(tervalon({"add", file, "--type", "T", "--title", "x", "--parent", "999"}).status, 1);
+    EXPECT_EQ(tervalon({"set", file, task, "completion", "150"}).status, 1);
     EXPECT_EQ(Tervalon::Test::read_file(file), before);
 
-    EXPECT_EQ(run({"postpone", file, task, "+1 day"}), 0);
-    ASSERT_EQ(run({"tree", file}, &out), 0);
+    EXPECT_EQ(tervalon({"postpone", file, task, "+1 day"}).status, 0);
+    ASSERT_EQ(run_out({"tree", file}, out), 0);
     EXPECT_NE(out.find("due 2026-03-05 08:00"), std::string::npos) << out;
-    EXPECT_EQ(run({"done", file, task}), 0);
-    ASSERT_EQ(run({"tree", file}, &out), 0);
+    EXPECT_EQ(tervalon({"done", file, task}).status, 0);
+    ASSERT_EQ(run_out({"tree", file}, out), 0);
     EXPECT_NE(out.find("100%"), std::string::npos) << out;
-    EXPECT_EQ(run({"rm", file, project}), 0);
-    ASSERT_EQ(run({"tree", file}, &out), 0);
+    EXPECT_EQ(tervalon({"rm", file, project}).status, 0);
+    ASSERT_EQ(run_out({"tree", file}, out), 0);
     EXPECT_EQ(out, "");
 }
 
@@ -202,9 +229,9 @@ TEST_F(DiaryCli, DiarySurvivesSaveAndLoadByteForByte)
 {
     const std::string dir = Tervalon::Test::make_temp_dir("diary_roundtrip");
     const std::string file = dir + "/d.zbd";
-    ASSERT_EQ(run({"create", file}), 0);
-    ASSERT_EQ(run({"add", file, "--type", "T", "--title", "Weekly", "--due", "next Fri", "--repeat", "T=3@N=1"}), 0);
-    ASSERT_EQ(run({"add", file, "--type", "A", "--title", "Dentist", "--start", "+2 days 10:00", "--duration", "45m"}), 0);
+    ASSERT_EQ(tervalon({"create", file}).status, 0);
+    ASSERT_EQ(tervalon({"add", file, "--type", "T", "--title", "Weekly", "--due", "next Fri", "--repeat", "T=3@N=1"}).status, 0);
+    ASSERT_EQ(tervalon({"add", file, "--type", "A", "--title", "Dentist", "--start", "+2 days 10:00", "--duration", "45m"}).status, 0);
     const std::string first = Tervalon::Test::read_file(file);
     std::unique_ptr<Diary> diary(new Diary());
     ASSERT_EQ(diary->load(file, false), ZBErrC_ok);
