@@ -265,6 +265,9 @@ int ZBDatabase::initialise(bool created)
             set_id(allocate_id(), ZBDateUtils::now(), true);
         if (m_appType.empty() && has_zbapplication())
             m_appType = zbapplication().get_application();
+        // A new file is of the current data version: its first load must not
+        // take it for an old file and upgrade it.
+        m_appFileVersion = current_appfileversion();
     }
     int result = resolve_containers();
     if (iszbwarn(result))

@@ -280,3 +280,26 @@ TEST_F(DatabaseFile, PartialWriteHasOnlyChangedObjects)
     EXPECT_EQ(std::count(text.begin(), text.end(), '{'), 1) << text;
     EXPECT_NE(text.find("!I!" + std::to_string(leaf->get_id()) + "\n"), std::string::npos);
 }
+
+namespace {
+// A database class whose data is at version 3.
+class VersionedDatabase : public ZBDatabase {
+public:
+    int current_appfileversion() const override { return 3; }
+};
+} // namespace
+
+TEST_F(DatabaseFile, NewFileIsOfTheCurrentVersionAndLoadsUnchanged)
+{
+    const std::string file = path("versioned.zbd");
+    {
+        VersionedDatabase db;
+        ASSERT_EQ(db.create(file, false), ZBErrC_ok);
+    }
+    const std::string written = Tervalon::Test::read_file(file);
+    EXPECT_NE(written.find("!AFV!3\n"), std::string::npos) << written;
+    VersionedDatabase again;
+    ASSERT_EQ(again.load(file, false), ZBErrC_ok);
+    EXPECT_EQ(Tervalon::Test::read_file(file), written);
+    EXPECT_FALSE(Tervalon::Test::file_exists(ZBDatabase::get_cache_name(file, false) + ".Ver0"));
+}
