@@ -8,12 +8,14 @@ ZBObjectIndex::ZBObjectIndex() : m_entry(false) {}
 
 int ZBObjectIndex::append(const std::string& name, ZBCreateFunction create, int& id)
 {
-    if (ZBObjectIndexEntry* entry = m_entry.find(name)) {
+    if (ZBObjectIndexEntry* entry = find(name)) {
         id = entry->m_id;
         return id;
     }
     id = m_entry.size();
-    m_entry.add(name, new ZBObjectIndexEntry(id, name, create));
+    ZBObjectIndexEntry* entry = new ZBObjectIndexEntry(id, name, create);
+    m_entry.add(name, entry);
+    m_byName.emplace(name, entry);
     return id;
 }
 

@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <unordered_map>
 
 namespace Tervalon {
 
@@ -30,7 +31,11 @@ public:
 
     // The first registration of a name wins; a later one gets the same id.
     int append(const std::string& name, ZBCreateFunction create, int& id);
-    ZBObjectIndexEntry* find(const std::string& name) const { return m_entry.find(name); }
+    ZBObjectIndexEntry* find(const std::string& name) const
+    {
+        auto it = m_byName.find(name);
+        return it == m_byName.end() ? nullptr : it->second;
+    }
     ZBObjectIndexEntry* get(int id) const;
     int size() const { return m_entry.size(); }
 
@@ -38,6 +43,9 @@ public:
 
 private:
     ZBPtrArrayIndex<ZBObjectIndexEntry, std::string> m_entry;
+    // Every object made looks its class up here, once per class level: a hash
+    // is much cheaper than the ordered index for that.
+    std::unordered_map<std::string, ZBObjectIndexEntry*> m_byName;
 };
 
 ZBObjectIndex& zbclassindex();
