@@ -237,6 +237,26 @@ int DiaryEntry::get_sequence(char letter, int index)
     return letter * C_SeqFactor + index;
 }
 
+// ---------------------------------------------------------------- values
+
+std::string DiaryEntry::get_sysvalue(const std::string& tag) const
+{
+    if (tag == C_SysChildren)
+        return std::to_string(get_nchildren());
+    if (tag == C_SysIsActive)
+        return is_active() ? "1" : "0";
+    if (tag == C_SysResource || tag == C_SysTimeType) {
+        const Diary* diary = get_diary();
+        if (!diary)
+            return std::string();
+        if (tag == C_SysTimeType)
+            return diary->get_timetype_name_by_id(m_props.get_timetype_calc());
+        const Resource* resource = diary->get_resource_by_id(m_props.get_resource_calc());
+        return resource ? resource->get_username() : std::string();
+    }
+    return ZBDEntry::get_sysvalue(tag);
+}
+
 // ---------------------------------------------------------------- tree
 
 DiaryEntry* DiaryEntry::get_parent_entry() const

@@ -127,6 +127,11 @@ public:
     bool is_active() const;
     int set_completion(double percent, bool quiet);
     int mark_complete(const ZBDate& date) override;
+    // System values the planner keeps itself: the children of the entry
+    // container, whether the entry is active, the resource and time type of
+    // its properties (by name). The rest are the record's.
+    std::string get_sysvalue(const std::string& tag) const override;
+    using ZBDEntry::get_sysvalue;
     // A date changed through a system value needs new predictions.
     void sysval_time_modified() override { clear_predicted(true); }
     void clear_predicted(bool force);

@@ -213,3 +213,26 @@ TEST_F(DiaryRecords, ASpecNamingASystemValueReadsAndWritesTheRecordsField)
     EXPECT_EQ(block_tags(text, id).count("Sm"), 1u);
     EXPECT_EQ(text.find("Title="), std::string::npos);
 }
+
+TEST_F(DiaryRecords, SystemValuesOfAnEntryComeFromThePlannerWhereItKeepsThem)
+{
+    DiaryEntry* folder = nullptr;
+    DiaryEntry* task = nullptr;
+    ASSERT_EQ(diary.create_entry(nullptr, 'O', "Folder", &folder), ZBErrC_ok);
+    ASSERT_EQ(diary.create_entry(folder, 'T', "Task", &task), ZBErrC_ok);
+    ASSERT_FALSE(iszbwarn(diary.recalculate(ZBDatabase::E_RecalcFull)));
+    EXPECT_EQ(folder->get_sysvalue(ZBDEntry::C_SysChildren), "1");
+    EXPECT_EQ(task->get_sysvalue(ZBDEntry::C_SysChildren), "0");
+    // "<Parent>" at the top resolves to the default resource, by name.
+    EXPECT_EQ(task->get_sysvalue(ZBDEntry::C_SysResource), "Default");
+    EXPECT_EQ(task->get_sysvalue(ZBDEntry::C_SysIsActive), "1");
+    EXPECT_EQ(task->get_sysvalue(ZBDEntry::C_SysTitle), "Task");
+
+    // A bad date through the record's setter leaves the entry as it was.
+    task->edit_due().set_orig(at("9-Mar-2026 17:00"));
+    EXPECT_TRUE(iszbwarn(task->set_sysvalue(ZBDEntry::C_SysDueDate, "not a date")));
+    get_zberror().clear_all();
+    EXPECT_EQ(task->get_due().orig, at("9-Mar-2026 17:00"));
+    ASSERT_FALSE(iszbwarn(task->set_sysvalue(ZBDEntry::C_SysDueDate, "12-Mar-2026 10:00")));
+    EXPECT_EQ(task->get_due().orig, at("12-Mar-2026 10:00"));
+}
