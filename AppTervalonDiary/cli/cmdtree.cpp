@@ -14,7 +14,7 @@ void print_entry(std::string& text, const DiaryEntry& entry, int depth)
     text.append(size_t(depth) * 2, ' ');
     text += std::to_string(entry.get_id());
     text += ' ';
-    text += entry.get_entrytype();
+    text += char(entry.get_entrytype());
     text += ' ';
     text += entry.get_summary();
     const ZBDate& due = entry.get_due().calc;

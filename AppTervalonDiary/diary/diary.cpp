@@ -65,7 +65,7 @@ void Diary::dump(std::ostream& out, int indent) const
     }
     m_settings.dump(out, indent + 1);
     m_calendar.dump(out, indent + 1);
-    ZBDatabase::dump(out, indent + 1);
+    ZBDiary::dump(out, indent + 1);
 }
 
 int Diary::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
@@ -79,14 +79,14 @@ int Diary::serialise(std::istream* in, std::ostream* out, const std::string& pre
     if (iszberr(serialise_object(in, out, prefix, "calendar", calendar)))
         return zbpass(ZBLOC);
     serialise_string(in, out, prefix, "userData", m_userData, true);
-    return ZBDatabase::serialise(in, out, prefix, version);
+    return ZBDiary::serialise(in, out, prefix, version);
 }
 
 int Diary::initialise(bool created)
 {
     m_recalcMgr.set_initialising(true);
     m_recalcMgr.initialise();
-    if (iszbwarn(ZBDatabase::initialise(created))) {
+    if (iszbwarn(ZBDiary::initialise(created))) {
         m_recalcMgr.set_initialising(false);
         return zbpass(ZBLOC);
     }
@@ -115,7 +115,7 @@ int Diary::create_object(ZBDBObject* parent, const std::string& tag, int specId,
     if (parent && !parentEntry && parent != this)
         return zberror(ZBErrC_DynamicCast, ZBLOC, "Dynamic cast to DiaryEntry failed.");
     if (!tag.empty() && tag != DiaryEntry::C_EntryTag)
-        return ZBDatabase::create_object(parent, tag, specId, out);
+        return ZBDiary::create_object(parent, tag, specId, out);
     DiaryEntry* entry = nullptr;
     if (iszbwarn(create_entry(parentEntry, 'O', std::string(), &entry)))
         return zbpass(ZBLOC);
@@ -320,7 +320,7 @@ void Diary::set_delayed_range(int resource, const ZBDate& date)
 
 void Diary::containers_resolved()
 {
-    ZBDatabase::containers_resolved();
+    ZBDiary::containers_resolved();
 }
 
 int Diary::recalculate_entry(DiaryEntry& entry)
@@ -348,7 +348,7 @@ int Diary::recalculate(E_RecalcLevel level)
             return zbpass(ZBLOC);
     if (level >= E_RecalcFull)
         m_recalcMgr.done();
-    return ZBDatabase::recalculate(level);
+    return ZBDiary::recalculate(level);
 }
 
 } // namespace Tervalon

@@ -7,7 +7,7 @@
 #include "AppTervalonDiary/diary/resource.h"
 #include "AppTervalonDiary/diary/resourcecalendar.h"
 #include "AppTervalonDiary/diary/timetype.h"
-#include "LibDatabase/db/zbdatabase.h"
+#include "LibDiary/diary/zbdiary.h"
 
 #include <map>
 #include <string>
@@ -16,9 +16,10 @@
 namespace Tervalon {
 
 // The planning database: the tree of entries, the resources and time types
-// the planner books against, the default calendar and the file's settings.
+// the planner books against, the default calendar and the file's settings,
+// on top of the records database with its module blocks and managers.
 // It owns every object through the database; the containers are views.
-class Diary : public ZBDatabase, public ZBDBFactory<Diary> {
+class Diary : public ZBDiary, public ZBDBFactory<Diary> {
 public:
     enum E_Mode { E_ModeDiary = 0, E_ModeProject = 1, E_ModeNotes = 2 };
     static constexpr int C_FileVersion = 15;

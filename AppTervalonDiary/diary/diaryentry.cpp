@@ -47,14 +47,11 @@ DiaryEntry::DiaryEntry() : m_children(C_EntryTag)
 }
 
 DiaryEntry::DiaryEntry(const DiaryEntry& other)
-    : ZBDBObject(other), ZBRepeatConfig(other), m_summary(other.m_summary), m_text(other.m_text), m_time(other.m_time),
-      m_startAfter(other.m_startAfter), m_startSource(other.m_startSource), m_dueDate(other.m_dueDate),
-      m_dueSource(other.m_dueSource), m_priorityPair(other.m_priorityPair), m_prioritySource(other.m_prioritySource),
-      m_progress(other.m_progress), m_repeat(other.m_repeat), m_bookmark(other.m_bookmark),
-      m_preserve(other.m_preserve), m_entryType(other.m_entryType), m_props(other.m_props),
+    : ZBDEntry(other), m_startSource(other.m_startSource), m_dueSource(other.m_dueSource),
+      m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType), m_props(other.m_props),
       m_dueFacet(other.m_dueFacet), m_baseline(other.m_baseline), m_erepeat(other.m_erepeat),
-      m_oldRepeat(other.m_oldRepeat), m_priority(other.m_priority), m_spent(other.m_spent), m_etime(other.m_etime),
-      m_plan(other.m_plan), m_depend(other.m_depend), m_command(other.m_command),
+      m_oldRepeat(other.m_oldRepeat), m_priorityFacet(other.m_priorityFacet), m_spent(other.m_spent),
+      m_etime(other.m_etime), m_plan(other.m_plan), m_depend(other.m_depend), m_command(other.m_command),
       m_needRecalculate(other.m_needRecalculate), m_lastRecalculate(other.m_lastRecalculate),
       m_timeQuery(other.m_timeQuery), m_planStart(other.m_planStart), m_children(C_EntryTag)
 {
@@ -68,27 +65,17 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
 {
     if (this == &other)
         return *this;
-    ZBDBObject::operator=(other);
-    m_summary = other.m_summary;
-    m_text = other.m_text;
-    m_time = other.m_time;
-    m_startAfter = other.m_startAfter;
+    ZBDEntry::operator=(other);
     m_startSource = other.m_startSource;
-    m_dueDate = other.m_dueDate;
     m_dueSource = other.m_dueSource;
-    m_priorityPair = other.m_priorityPair;
     m_prioritySource = other.m_prioritySource;
-    m_progress = other.m_progress;
-    m_repeat = other.m_repeat;
-    m_bookmark = other.m_bookmark;
-    m_preserve = other.m_preserve;
     m_entryType = other.m_entryType;
     m_props = other.m_props;
     m_dueFacet = other.m_dueFacet;
     m_baseline = other.m_baseline;
     m_erepeat = other.m_erepeat;
     m_oldRepeat = other.m_oldRepeat;
-    m_priority = other.m_priority;
+    m_priorityFacet = other.m_priorityFacet;
     m_spent = other.m_spent;
     m_etime = other.m_etime;
     m_plan = other.m_plan;
@@ -108,7 +95,7 @@ void DiaryEntry::attach_facets()
     m_dueFacet.attach(this);
     m_baseline.attach(this);
     m_erepeat.attach(this);
-    m_priority.attach(this);
+    m_priorityFacet.attach(this);
     m_spent.attach(this);
     m_etime.attach(this);
     m_plan.attach(this);
@@ -132,26 +119,17 @@ void DiaryEntry::set_defaults(bool all)
 {
     if (all)
         ZBDBObject::set_defaults(all);
-    m_summary.clear();
-    m_text.clear();
-    m_time = ZBCalcPair<ZBDateSlot>();
-    m_startAfter = ZBCalcPair<ZBDate>(ZBDate::C_Blank);
+    clear_values();
     m_startSource = -1;
-    m_dueDate = ZBCalcPair<ZBDate>(ZBDate::C_Blank);
     m_dueSource = -1;
-    m_priorityPair = ZBCalcPair<double>(0.0);
     m_prioritySource = -1;
-    m_progress = ZBCalcPair<ZBProgress>();
-    m_repeat.set_defaults(true);
-    m_bookmark = false;
-    m_preserve = false;
     m_entryType = ZBCalcPair<char>('O');
     m_props.set_defaults(all);
     m_dueFacet.set_defaults(all);
     m_baseline.set_defaults(all);
     m_erepeat.set_defaults(all);
     m_oldRepeat.set_defaults(true);
-    m_priority.set_defaults(all);
+    m_priorityFacet.set_defaults(all);
     m_spent.set_defaults(all);
     m_etime.set_defaults(all);
     m_plan.set_defaults(all);
@@ -167,13 +145,12 @@ void DiaryEntry::dump(std::ostream& out, int indent) const
 {
     {
         ZBDump dump("DiaryEntry", out, indent);
-        dump.add_entry("impl->m_summary", m_summary);
         dump.add("impl->m_entryType.orig", m_entryType.orig);
         dump.add("impl->m_entryType.calc", m_entryType.calc);
         dump.add("impl->m_time.orig", m_time.orig);
-        dump.add("impl->m_startAfter.orig", m_startAfter.orig);
-        dump.add("impl->m_dueDate.orig", m_dueDate.orig);
-        dump.add("impl->m_priority.orig", m_priorityPair.orig);
+        dump.add("impl->m_start.orig", m_start.orig);
+        dump.add("impl->m_due.orig", m_due.orig);
+        dump.add("impl->m_priorityFacet.orig", m_priority.orig);
         dump.add("impl->m_needRecalculate", m_needRecalculate);
         dump.add("impl->m_planStart", m_planStart);
     }
@@ -181,44 +158,29 @@ void DiaryEntry::dump(std::ostream& out, int indent) const
     m_dueFacet.dump(out, indent + 1);
     m_baseline.dump(out, indent + 1);
     m_erepeat.dump(out, indent + 1);
-    m_priority.dump(out, indent + 1);
+    m_priorityFacet.dump(out, indent + 1);
     m_spent.dump(out, indent + 1);
     m_etime.dump(out, indent + 1);
     m_plan.dump(out, indent + 1);
     m_depend.dump(out, indent + 1);
     m_command.dump(out, indent + 1);
-    ZBDBObject::dump(out, indent + 1);
+    ZBDEntry::dump(out, indent + 1);
 }
 
 int DiaryEntry::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
 {
     m_entryType.serialise(*this, in, out, prefix, "et", 'O');
-    EntryFacet* facets[] = {&m_props, &m_dueFacet, &m_baseline, &m_erepeat, &m_priority,
+    EntryFacet* facets[] = {&m_props, &m_dueFacet, &m_baseline, &m_erepeat, &m_priorityFacet,
                             &m_spent, &m_etime, &m_plan, &m_depend, &m_command};
     for (size_t i = 0; i < sizeof(facets) / sizeof(facets[0]); ++i) {
         if (iszbwarn(facets[i]->serialise_facet(*this, in, out, prefix, version)))
             return zbpass(ZBLOC);
     }
-    // The record's own fields.
-    serialise_string(in, out, prefix, "sm", m_summary, true);
-    serialise_string(in, out, prefix, "tx", m_text, true);
-    m_time.serialise(*this, in, out, prefix, "tm", ZBDateSlot());
-    m_startAfter.serialise(*this, in, out, prefix, "sa", ZBDate::C_Blank);
-    serialise_field<int>(in, out, prefix, "sai", m_startSource, -1);
-    m_dueDate.serialise(*this, in, out, prefix, "du", ZBDate::C_Blank);
-    serialise_field<int>(in, out, prefix, "dui", m_dueSource, -1);
-    m_priorityPair.serialise(*this, in, out, prefix, "pr", 0.0);
-    serialise_field<int>(in, out, prefix, "pri", m_prioritySource, -1);
-    m_progress.serialise(*this, in, out, prefix, "dr", ZBProgress());
-    std::string rule = out ? m_repeat.to_string() : std::string();
-    serialise_string(in, out, prefix, "rpt", rule, true);
-    if (in && !rule.empty())
-        m_repeat.from_string(rule);
-    serialise_field<bool>(in, out, prefix, "bm", m_bookmark, false);
-    serialise_field<bool>(in, out, prefix, "ps", m_preserve, false);
     if (in)
         attach_facets();
-    return ZBDBObject::serialise(in, out, prefix, version);
+    // Then the record: title, details, dates, priority, progress, repeat rule
+    // and the flags, under the record's tags.
+    return ZBDEntry::serialise(in, out, prefix, version);
 }
 
 // ---------------------------------------------------------------- types
@@ -268,48 +230,31 @@ int DiaryEntry::type_priority(char letter)
     return at ? int(at - order) + 1 : 12;
 }
 
-std::string DiaryEntry::entrytype_to_string(int letter)
-{
-    switch (letter) {
-    case 'A':
-        return "Event";
-    case 'D':
-        return "Address";
-    case 'J':
-        return "Journal";
-    case 'L':
-        return "Place";
-    case 'P':
-        return "Person";
-    case 'T':
-        return "Task";
-    default:
-        return "Object";
-    }
-}
-
-char DiaryEntry::string_to_entrytype(const std::string& text)
-{
-    if (text == "Person")
-        return 'P';
-    if (text == "Address" || text == "Group")
-        return 'D';
-    if (text == "Place")
-        return 'L';
-    if (text == "Task")
-        return 'T';
-    if (text == "Appointment" || text == "Event")
-        return 'A';
-    if (text == "Journal")
-        return 'J';
-    return 'O';
-}
-
 int DiaryEntry::get_sequence(char letter, int index)
 {
     if (!std::strchr("apTrsAJPDLOYNRM", letter) || !letter)
         return 0;
     return letter * C_SeqFactor + index;
+}
+
+// ---------------------------------------------------------------- values
+
+std::string DiaryEntry::get_sysvalue(const std::string& tag) const
+{
+    if (tag == C_SysChildren)
+        return std::to_string(get_nchildren());
+    if (tag == C_SysIsActive)
+        return is_active() ? "1" : "0";
+    if (tag == C_SysResource || tag == C_SysTimeType) {
+        const Diary* diary = get_diary();
+        if (!diary)
+            return std::string();
+        if (tag == C_SysTimeType)
+            return diary->get_timetype_name_by_id(m_props.get_timetype_calc());
+        const Resource* resource = diary->get_resource_by_id(m_props.get_resource_calc());
+        return resource ? resource->get_username() : std::string();
+    }
+    return ZBDEntry::get_sysvalue(tag);
 }
 
 // ---------------------------------------------------------------- tree
@@ -379,7 +324,7 @@ bool DiaryEntry::is_active() const
     if (m_depend.get_active_depends() > 0)
         return false;
     if (get_nchildren() == 0) {
-        const ZBDate& start = m_startAfter.calc;
+        const ZBDate& start = m_start.calc;
         return start.is_blank() || !(ZBDateUtils::now() < start);
     }
     for (const DiaryEntry* child : m_children)
@@ -412,9 +357,9 @@ int DiaryEntry::set_completion(double percent, bool quiet)
             m_time.set_orig(ZBDateSlot());
         if (reopening)
             run_trigger(C_TriggerReopen);
-        ZBProgress progress = m_progress.orig;
+        ZBProgress progress = m_duration.orig;
         progress.set_completion(percent);
-        m_progress.set_orig(progress);
+        m_duration.set_orig(progress);
     }
     clear_predicted(true);
     if (!quiet)
@@ -425,7 +370,7 @@ int DiaryEntry::set_completion(double percent, bool quiet)
 ZBDateSlot DiaryEntry::get_instance_slot() const
 {
     if (get_derived_entrytype() == 'T')
-        return ZBDateSlot(m_startAfter.orig.is_ok() ? m_startAfter.orig : m_dueDate.orig, m_dueDate.orig);
+        return ZBDateSlot(m_start.orig.is_ok() ? m_start.orig : m_due.orig, m_due.orig);
     return m_time.orig;
 }
 
@@ -433,9 +378,9 @@ void DiaryEntry::move_instance(const ZBDate& start, const ZBDate& end)
 {
     if (get_derived_entrytype() == 'T') {
         // A task's rule gives its due dates; a start-after keeps its distance before the due.
-        if (m_startAfter.orig.is_ok() && m_dueDate.orig.is_ok())
-            m_startAfter.set_orig(m_startAfter.orig + (start - m_dueDate.orig));
-        m_dueDate.set_orig(start);
+        if (m_start.orig.is_ok() && m_due.orig.is_ok())
+            m_start.set_orig(m_start.orig + (start - m_due.orig));
+        m_due.set_orig(start);
         return;
     }
     ZBDate finish = end;
@@ -456,9 +401,9 @@ int DiaryEntry::mark_complete(const ZBDate& date)
     const ZBDateSlot instance = m_time.orig;
     ZBDate base = instance.m_start.is_ok() ? instance.m_start : instance.m_end;
     if (get_derived_entrytype() == 'T') {
-        base = m_dueDate.orig;
-        if (m_startAfter.orig.is_ok() && date < m_startAfter.orig)
-            base = m_startAfter.orig;
+        base = m_due.orig;
+        if (m_start.orig.is_ok() && date < m_start.orig)
+            base = m_start.orig;
     }
     m_time.set_orig(ZBDateSlot(date, date));
     m_spent.set_closed(date);
@@ -489,11 +434,11 @@ int DiaryEntry::mark_complete(const ZBDate& date)
                 if (get_derived_entrytype() != 'T')
                     m_time.set_orig(instance);
                 m_erepeat.set_next_repeat(slot.m_start, slot.m_end);
-                ZBProgress progress = m_progress.orig;
+                ZBProgress progress = m_duration.orig;
                 progress.set_completion(0.0);
-                m_progress.set_orig(progress);
+                m_duration.set_orig(progress);
                 ZBDate now = ZBDateUtils::now();
-                m_plan.remove_plans(m_startAfter.orig.is_ok() && now < m_startAfter.orig ? m_startAfter.orig : now);
+                m_plan.remove_plans(m_start.orig.is_ok() && now < m_start.orig ? m_start.orig : now);
                 m_command.reset_executed();
                 moved = true;
             }
@@ -501,13 +446,13 @@ int DiaryEntry::mark_complete(const ZBDate& date)
     }
     if (!moved) {
         m_plan.remove_plans(ZBDate::C_Blank);
-        ZBProgress progress = m_progress.orig;
+        ZBProgress progress = m_duration.orig;
         progress.set_completion(100.0);
-        m_progress.set_orig(progress);
+        m_duration.set_orig(progress);
     }
     trigger_update_vars();
     run_trigger(C_TriggerComplete);
-    m_priority.set_nondue_priority(m_priorityPair.orig);
+    m_priorityFacet.set_nondue_priority(m_priority.orig);
     changed();
     clear_predicted(true);
     return ZBErrC_ok;
@@ -571,8 +516,8 @@ int DiaryEntry::postpone(const std::string& startText, const std::string& endTex
         start = (*set)[index]->m_start;
         end = (*set)[index]->m_end;
     } else if (type == 'T') {
-        start = m_startAfter.orig;
-        end = m_dueDate.orig;
+        start = m_start.orig;
+        end = m_due.orig;
     } else {
         start = m_time.orig.m_start;
         end = m_time.orig.m_end;
@@ -590,8 +535,8 @@ int DiaryEntry::postpone(const std::string& startText, const std::string& endTex
         set->erase(index);
         set->add(ZBDateSlot(newStart, newEnd, true), resource);
     } else if (type == 'T') {
-        m_startAfter.set_orig(newStart);
-        m_dueDate.set_orig(newEnd);
+        m_start.set_orig(newStart);
+        m_due.set_orig(newEnd);
     } else {
         if (!startText.empty() && endText.empty() && start.is_ok() && end.is_ok())
             newEnd = newStart + (end - start);
@@ -604,7 +549,7 @@ int DiaryEntry::postpone(const std::string& startText, const std::string& endTex
 
 void DiaryEntry::save_baseline(bool withDates)
 {
-    m_baseline.set_duration(m_progress.orig.get_duration());
+    m_baseline.set_duration(m_duration.orig.get_duration());
     if (withDates)
         m_baseline.set_start_end(m_etime.get_calc_date());
 }
@@ -645,11 +590,11 @@ int DiaryEntry::compact(Diary* diary, bool force)
         return ZBErrC_ok;
     const ZBDuration baselineDuration = m_baseline.get_duration().orig;
     const ZBDateSlot baselineSlot = m_baseline.get_start_end().orig;
-    const double priority = m_priorityPair.calc;
-    const ZBProgress progress = m_progress.calc;
+    const double priority = m_priority.calc;
+    const ZBProgress progress = m_duration.calc;
     const ZBDateSlot slot = m_etime.get_calc_date();
-    const ZBDate startAfter = m_startAfter.calc;
-    const ZBDate due = m_dueDate.calc;
+    const ZBDate startAfter = m_start.calc;
+    const ZBDate due = m_due.calc;
     m_spent.edit_sessions().set_keepduration(true);
     std::vector<int> fold;
     for (const DiaryEntry* child : m_children) {
@@ -665,13 +610,13 @@ int DiaryEntry::compact(Diary* diary, bool force)
     if (type == 'A' || type == 'J') {
         m_time.set_orig(slot);
     } else if (type == 'T') {
-        m_progress.set_orig(progress);
-        m_startAfter.set_orig(startAfter);
-        m_dueDate.set_orig(due);
+        m_duration.set_orig(progress);
+        m_start.set_orig(startAfter);
+        m_due.set_orig(due);
         m_baseline.set_duration(baselineDuration);
         m_baseline.set_start_end(baselineSlot);
     }
-    m_priorityPair.set_orig(priority);
+    m_priority.set_orig(priority);
     changed();
     return ZBErrC_ok;
 }
@@ -822,25 +767,25 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int)
     const DiaryEntry* parent = get_parent_entry();
     // Values pushed down: the earlier due, the later start-after, the parent's
     // priority where none was given, the parent's resource and time type.
-    m_dueDate.set_calc(m_dueDate.orig);
-    m_dueSource = m_dueDate.orig.is_ok() ? get_id() : -1;
-    m_startAfter.set_calc(m_startAfter.orig);
-    m_startSource = m_startAfter.orig.is_ok() ? get_id() : -1;
-    m_priorityPair.set_calc(m_priorityPair.orig);
-    m_prioritySource = m_priorityPair.orig > 0.0 ? get_id() : -1;
+    m_due.set_calc(m_due.orig);
+    m_dueSource = m_due.orig.is_ok() ? get_id() : -1;
+    m_start.set_calc(m_start.orig);
+    m_startSource = m_start.orig.is_ok() ? get_id() : -1;
+    m_priority.set_calc(m_priority.orig);
+    m_prioritySource = m_priority.orig > 0.0 ? get_id() : -1;
     if (parent) {
         const ZBDate& due = parent->get_due().calc;
-        if (due.is_ok() && (!m_dueDate.calc.is_ok() || due < m_dueDate.calc)) {
-            m_dueDate.set_calc(due);
+        if (due.is_ok() && (!m_due.calc.is_ok() || due < m_due.calc)) {
+            m_due.set_calc(due);
             m_dueSource = parent->get_due_id();
         }
         const ZBDate& start = parent->get_start().calc;
-        if (start.is_ok() && (!m_startAfter.calc.is_ok() || m_startAfter.calc < start)) {
-            m_startAfter.set_calc(start);
+        if (start.is_ok() && (!m_start.calc.is_ok() || m_start.calc < start)) {
+            m_start.set_calc(start);
             m_startSource = parent->get_startafter_id();
         }
-        if (m_priorityPair.orig <= 0.0) {
-            m_priorityPair.set_calc(parent->get_priority().calc);
+        if (m_priority.orig <= 0.0) {
+            m_priority.set_calc(parent->get_priority().calc);
             m_prioritySource = parent->get_priority_id();
         }
     }
@@ -852,9 +797,9 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int)
     if (timeType == EntryProperties::C_ParentId)
         timeType = parent ? parent->get_props().get_timetype_calc() : -1;
     m_props.set_timetype_calc(timeType);
-    ZBProgress progress = m_progress.orig;
-    m_progress.set_calc(progress);
-    m_priority.set_nondue_priority(m_priorityPair.calc);
+    ZBProgress progress = m_duration.orig;
+    m_duration.set_calc(progress);
+    m_priorityFacet.set_nondue_priority(m_priority.calc);
     m_depend.set_active_depends(0);
     return ZBErrC_ok;
 }

@@ -11,11 +11,7 @@
 #include "AppTervalonDiary/diary/entryspent.h"
 #include "AppTervalonDiary/diary/entrytime.h"
 #include "LibDatabase/db/zbdbcontainer.h"
-#include "LibDatabase/db/zbdbobject.h"
-#include "LibDate/date/zbdaterepeat.h"
-#include "LibDate/date/zbprogress.h"
-#include "LibDate/date/zbrepeatconfig.h"
-#include "LibObject/container/zbcalcpair.h"
+#include "LibDiary/diary/zbdentry.h"
 
 #include <memory>
 #include <string>
@@ -26,10 +22,12 @@ namespace Tervalon {
 class Diary;
 
 // One node of the planner's tree: a task, appointment, journal note, person,
-// address, place or plain object, made of its facets. The database owns the
-// entry; the entry owns its facets. Children are found through the entry
-// container that resolve_containers fills.
-class DiaryEntry : public ZBDBObject, public ZBRepeatConfig {
+// address, place or plain object, made of its facets. The record fields
+// (title, details, date slot, start-after, due, priority, progress, repeat
+// rule, bookmark, preserve) are the dated record's; the planner reads them as
+// pairs. The database owns the entry; the entry owns its facets. Children are
+// found through the entry container that resolve_containers fills.
+class DiaryEntry : public ZBDEntry {
 public:
     enum E_SortOrder {
         E_SortApplication = 0,
@@ -59,31 +57,23 @@ public:
     void register_zbobject() override;
     static int create_zbobject(ZBObject*& out, const ZBObject* from);
     void set_defaults(bool all) override;
-    std::string get_summary() const override { return m_summary; }
 
-    // Record fields.
-    void set_summary(const std::string& title) { m_summary = title; }
-    const std::string& get_text() const { return m_text; }
-    void set_text(const std::string& text) { m_text = text; }
+    // Record fields, the pairs the record keeps. Summary, text, repeat rule,
+    // bookmark and preserve come as the record has them.
     const ZBCalcPair<ZBDateSlot>& get_time() const { return m_time; }
     ZBCalcPair<ZBDateSlot>& edit_time() { return m_time; }
-    const ZBCalcPair<ZBDate>& get_start() const { return m_startAfter; }
-    ZBCalcPair<ZBDate>& edit_start() { return m_startAfter; }
-    const ZBCalcPair<ZBDate>& get_due() const { return m_dueDate; }
-    ZBCalcPair<ZBDate>& edit_due() { return m_dueDate; }
-    const ZBCalcPair<double>& get_priority() const { return m_priorityPair; }
-    ZBCalcPair<double>& edit_priority() { return m_priorityPair; }
-    const ZBCalcPair<ZBProgress>& get_duration() const { return m_progress; }
-    ZBCalcPair<ZBProgress>& edit_duration() { return m_progress; }
+    const ZBCalcPair<ZBDate>& get_start() const { return m_start; }
+    ZBCalcPair<ZBDate>& edit_start() { return m_start; }
+    const ZBCalcPair<ZBDate>& get_due() const { return m_due; }
+    ZBCalcPair<ZBDate>& edit_due() { return m_due; }
+    const ZBCalcPair<double>& get_priority() const { return m_priority; }
+    ZBCalcPair<double>& edit_priority() { return m_priority; }
+    const ZBCalcPair<ZBProgress>& get_duration() const { return m_duration; }
+    ZBCalcPair<ZBProgress>& edit_duration() { return m_duration; }
+    // Where a calculated value came from; worked out by recalculate, not stored.
     int get_startafter_id() const { return m_startSource; }
     int get_due_id() const { return m_dueSource; }
     int get_priority_id() const { return m_prioritySource; }
-    const ZBDateRepeat& get_repeat() const { return m_repeat; }
-    ZBDateRepeat& edit_repeat() { return m_repeat; }
-    bool get_bookmark() const { return m_bookmark; }
-    void set_bookmark(bool on) { m_bookmark = on; }
-    bool get_preserve() const { return m_preserve; }
-    void set_preserve(bool on) { m_preserve = on; }
 
     // Facets.
     const EntryProperties& get_props() const { return m_props; }
@@ -94,8 +84,8 @@ public:
     EntryBaseline& edit_baseline() { return m_baseline; }
     const EntryRepeat& get_erepeat() const { return m_erepeat; }
     EntryRepeat& edit_erepeat() { return m_erepeat; }
-    const EntryPriority& get_priority_facet() const { return m_priority; }
-    EntryPriority& edit_priority_facet() { return m_priority; }
+    const EntryPriority& get_priority_facet() const { return m_priorityFacet; }
+    EntryPriority& edit_priority_facet() { return m_priorityFacet; }
     const EntrySpent& get_spent() const { return m_spent; }
     EntrySpent& edit_spent() { return m_spent; }
     const EntryTime& get_etime() const { return m_etime; }
@@ -108,16 +98,14 @@ public:
     EntryCommand& edit_command() { return m_command; }
 
     // Types.
-    char get_entrytype() const { return m_entryType.orig; }
+    // The letter as an int, as the record gives it; compare with 'T' and the like.
+    int get_entrytype() const override { return m_entryType.orig; }
     char get_derived_entrytype() const { return m_entryType.calc; }
     void set_entrytype(char letter);
     void calc_derived_entrytype();
     bool has_depend() const;
     int get_capability() const override;
     static int type_priority(char letter);
-    static std::string entrytype_to_string(int letter);
-    // Any text not naming a type is an object.
-    static char string_to_entrytype(const std::string& text);
     static int get_sequence(char letter, int index);
     static int get_type_seq(int sequence) { return sequence / C_SeqFactor; }
     static int get_index_seq(int sequence) { return sequence % C_SeqFactor; }
@@ -134,10 +122,18 @@ public:
     int query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& result, int order, int depth) const;
 
     // State.
-    bool is_complete() const { return m_progress.orig.get_completion() >= 100.0; }
+    // The user's own completion decides, not the children's progress.
+    bool is_complete() const override { return m_duration.orig.get_completion() >= 100.0; }
     bool is_active() const;
     int set_completion(double percent, bool quiet);
-    virtual int mark_complete(const ZBDate& date);
+    int mark_complete(const ZBDate& date) override;
+    // System values the planner keeps itself: the children of the entry
+    // container, whether the entry is active, the resource and time type of
+    // its properties (by name). The rest are the record's.
+    std::string get_sysvalue(const std::string& tag) const override;
+    using ZBDEntry::get_sysvalue;
+    // A date changed through a system value needs new predictions.
+    void sysval_time_modified() override { clear_predicted(true); }
     void clear_predicted(bool force);
     int postpone(const std::string& startText, const std::string& endText, int sequence);
     int compact(Diary* diary, bool force);
@@ -173,20 +169,10 @@ private:
     int run_trigger(const std::string& trigger);
     void changed();
 
-    // Record fields.
-    std::string m_summary;
-    std::string m_text;
-    ZBCalcPair<ZBDateSlot> m_time;
-    ZBCalcPair<ZBDate> m_startAfter;
+    // Sources of the calculated start-after, due and priority.
     int m_startSource;
-    ZBCalcPair<ZBDate> m_dueDate;
     int m_dueSource;
-    ZBCalcPair<double> m_priorityPair;
     int m_prioritySource;
-    ZBCalcPair<ZBProgress> m_progress;
-    ZBDateRepeat m_repeat;
-    bool m_bookmark;
-    bool m_preserve;
 
     // Facets and planner state, in stream order.
     ZBCalcPair<char> m_entryType;
@@ -195,7 +181,7 @@ private:
     EntryBaseline m_baseline;
     EntryRepeat m_erepeat;
     ZBDateRepeat m_oldRepeat;
-    EntryPriority m_priority;
+    EntryPriority m_priorityFacet;
     EntrySpent m_spent;
     EntryTime m_etime;
     EntryPlan m_plan;

@@ -43,8 +43,16 @@ void EntryProperties::dump(std::ostream& out, int indent) const
 
 int EntryProperties::serialise_facet(ZBObject& owner, std::istream* in, std::ostream* out, const std::string& prefix, int version)
 {
-    m_resource.serialise(owner, in, out, prefix, "re", ZBCalcPair<int>(C_ParentId).orig);
-    m_timeType.serialise(owner, in, out, prefix, "tt", ZBCalcPair<int>(C_ParentId).orig);
+    // Only the user's choice is stored: whom "<Parent>" resolves to is worked
+    // out again by recalculation, so a new entry writes nothing here.
+    int resource = m_resource.orig;
+    int timeType = m_timeType.orig;
+    owner.serialise_field<int>(in, out, prefix, "re", resource, C_ParentId);
+    owner.serialise_field<int>(in, out, prefix, "tt", timeType, C_ParentId);
+    if (in) {
+        m_resource.set_orig(resource);
+        m_timeType.set_orig(timeType);
+    }
     (void)version;
     owner.serialise_field<bool>(in, out, prefix, "rz", m_report, false);
     return ZBErrC_ok;

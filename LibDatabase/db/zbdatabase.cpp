@@ -1104,6 +1104,10 @@ int ZBDatabase::parse_objectspec(ZBObjectSpec& spec, int* line)
         spec.set_parsed(false);
         return result;
     }
+    if (iszbwarn(add_sysquants(trial))) {
+        spec.set_parsed(false);
+        return zbpass(ZBLOC);
+    }
     for (const std::string& name : std::vector<std::string>(trial.get_inherited())) {
         const int at = line_of(spec.get_text(), "\\binherits\\s+" + name + "\\b", offset);
         const std::string prefix = zb_sprintf("%s:%d:", source.c_str(), at);
@@ -1198,6 +1202,11 @@ int ZBDatabase::create_default_spec()
             return zbpass(ZBLOC);
     }
     return parse_objectspecs(true);
+}
+
+int ZBDatabase::add_sysquants(ZBObjectSpec&)
+{
+    return ZBErrC_ok;
 }
 
 int ZBDatabase::apply_objectspecs()

@@ -163,6 +163,9 @@ public:
     // The "Default" and "TopLevel" specs, made when missing. Applications add
     // their own default types in an override.
     virtual int create_default_spec();
+    // Told of each spec just after its text parsed, so that a database with
+    // system values can mark the declarations that name them.
+    virtual int add_sysquants(ZBObjectSpec& spec);
     int apply_objectspecs();
     // Gives object the spec specId and its variables; update works them out.
     virtual int apply_objectspec_to_db(ZBDBObject& object, int specId, bool update);

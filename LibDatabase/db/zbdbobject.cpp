@@ -587,7 +587,8 @@ void ZBDBObject::stored_vars(std::vector<std::string>& out) const
     for (int i = 0; i < m_vars.size(); ++i) {
         const ZBVariable* variable = m_vars[i];
         const std::shared_ptr<ZBVarSpec>& spec = variable->get_spec();
-        if (spec && (spec->is_derived() || variable->get_value() == spec->get_spec()))
+        // A system value is the object's own field, stored with the object.
+        if (spec && (spec->is_sysvalue() || spec->is_derived() || variable->get_value() == spec->get_spec()))
             continue;
         out.push_back(var_to_string(i));
     }
@@ -809,6 +810,8 @@ int ZBDBObject::update_vars()
             const std::string assoc = variable->get_spec()->get_assoc();
             variable->set_value(assoc.empty() ? get_sysvalue(variable->get_tag())
                                               : get_sysvalue(variable->get_spec()->get_name(), assoc));
+            // The value is the object's own; nothing to work out or write back.
+            variable->mark_initialised();
             continue;
         }
         if ((variable->is_derived() || !variable->is_initialised()) && variable->get_spec() && !apply_note(*variable))

@@ -127,7 +127,8 @@ ZBDEntry::ZBDEntry(const ZBDEntry& other)
     : ZBDBObject(other), ZBRepeatConfig(other), m_summary(other.m_summary), m_text(other.m_text),
       m_time(other.m_time), m_start(other.m_start), m_due(other.m_due), m_priority(other.m_priority),
       m_duration(other.m_duration), m_person(other.m_person), m_timeType(other.m_timeType), m_tags(other.m_tags),
-      m_rTags(other.m_rTags), m_ackTime(other.m_ackTime), m_bookmark(other.m_bookmark), m_preserve(other.m_preserve)
+      m_rTags(other.m_rTags), m_ackTime(other.m_ackTime), m_bookmark(other.m_bookmark), m_preserve(other.m_preserve),
+      m_repeat(other.m_repeat)
 {
 }
 
@@ -139,6 +140,7 @@ ZBDEntry& ZBDEntry::operator=(const ZBDEntry& other)
         return *this;
     ZBDBObject::operator=(other);
     clone_values(other);
+    m_repeat = other.m_repeat;
     return *this;
 }
 
@@ -148,7 +150,8 @@ bool ZBDEntry::operator==(const ZBDEntry& other) const
         && m_start == other.m_start && m_due == other.m_due && m_priority == other.m_priority
         && m_duration == other.m_duration && m_person == other.m_person && m_timeType == other.m_timeType
         && m_tags == other.m_tags && m_rTags == other.m_rTags && m_ackTime == other.m_ackTime
-        && m_bookmark == other.m_bookmark && m_preserve == other.m_preserve && ZBDBObject::operator==(other);
+        && m_bookmark == other.m_bookmark && m_preserve == other.m_preserve && m_repeat == other.m_repeat
+        && ZBDBObject::operator==(other);
 }
 
 void ZBDEntry::clone_values(const ZBDEntry& other)
@@ -167,6 +170,26 @@ void ZBDEntry::clone_values(const ZBDEntry& other)
     m_ackTime = other.m_ackTime;
     m_bookmark = other.m_bookmark;
     m_preserve = other.m_preserve;
+}
+
+void ZBDEntry::clear_values()
+{
+    const ZBDate blank(ZBDate::E_Blank);
+    m_summary.clear();
+    m_text.clear();
+    m_time = ZBCalcPair<ZBDateSlot>();
+    m_start = ZBCalcPair<ZBDate>(blank);
+    m_due = ZBCalcPair<ZBDate>(blank);
+    m_priority = ZBCalcPair<double>(0.0);
+    m_duration = ZBCalcPair<ZBProgress>();
+    m_person = ZBCalcPair<int>(-1);
+    m_timeType = ZBCalcPair<int>(-1);
+    m_tags.clear();
+    m_rTags.clear();
+    m_ackTime = blank;
+    m_bookmark = false;
+    m_preserve = false;
+    m_repeat.set_defaults(true);
 }
 
 void ZBDEntry::dump(std::ostream& out, int indent) const
@@ -195,6 +218,7 @@ void ZBDEntry::dump(std::ostream& out, int indent) const
     dump.add_entry("m_ackTime", m_ackTime.to_iso());
     dump.add("m_bookmark", m_bookmark);
     dump.add("m_preserve", m_preserve);
+    dump.add_entry("m_repeat", m_repeat.to_string());
     dump.write_heading("Base Class");
     dump.write();
     ZBDBObject::dump(out, indent + 1);
@@ -210,6 +234,13 @@ int ZBDEntry::serialise_entry(std::istream* in, std::ostream* out, const std::st
                               bool withTextTime)
 {
     const ZBDate blank(ZBDate::E_Blank);
+    // The rule goes first and only while it repeats; reading a record without
+    // one leaves the rule at its default.
+    if (out == nullptr || m_repeat.is_repeating()) {
+        ZBSrlObject<ZBDateRepeat> repeat(m_repeat, version);
+        if (iszberr(serialise_object(in, out, prefix, "Rpt", repeat)))
+            return zbpass(ZBLOC);
+    }
     serialise_string(in, out, prefix, "Sm", m_summary, true);
     if (withTextTime) {
         serialise_string(in, out, prefix, "Tx", m_text, true);
@@ -246,7 +277,7 @@ int ZBDEntry::create_zbobject(ZBObject*& out, const ZBObject* from)
 void ZBDEntry::set_defaults(bool all)
 {
     ZBDBObject::set_defaults(all);
-    clone_values(ZBDEntry());
+    clear_values();
 }
 
 std::string ZBDEntry::entrytype_to_string(int type)
@@ -271,6 +302,10 @@ std::string ZBDEntry::entrytype_to_string(int type)
 
 int ZBDEntry::string_to_entrytype(const std::string& text)
 {
+    if (zb_compare_nocase(zb_trim(text), "Appointment") == 0)
+        return E_Event;
+    if (zb_compare_nocase(zb_trim(text), "Group") == 0)
+        return E_Address;
     for (int type : {int(E_Event), int(E_Address), int(E_Journal), int(E_Place), int(E_Person), int(E_Task)})
         if (zb_compare_nocase(entrytype_to_string(type), zb_trim(text)) == 0)
             return type;
@@ -330,12 +365,13 @@ bool ZBDEntry::is_complete() const
     return m_duration.calc.get_completion() >= 100.0;
 }
 
-void ZBDEntry::mark_complete(const ZBDate& date)
+int ZBDEntry::mark_complete(const ZBDate& date)
 {
     ZBProgress done = m_duration.orig;
     done.set_completion(100.0);
     m_duration.set_orig(done);
     m_ackTime = date;
+    return ZBErrC_ok;
 }
 
 void ZBDEntry::acknowledge()
@@ -381,7 +417,7 @@ std::string ZBDEntry::get_sysvalue(const std::string& tag) const
     if (tag == C_SysDueDate)
         return m_due.calc.to_string();
     if (tag == C_SysRepeating)
-        return "0";
+        return m_repeat.is_repeating() ? "1" : "0";
     if (tag == C_SysDuration || tag == C_SysTotalDuration)
         return m_duration.calc.get_duration().to_string();
     if (tag == C_SysCompletion)

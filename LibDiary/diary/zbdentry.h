@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LibDatabase/db/zbdbobject.h"
+#include "LibDate/date/zbdaterepeat.h"
 #include "LibDate/date/zbdateslot.h"
 #include "LibDate/date/zbprogress.h"
 #include "LibDate/date/zbrepeatconfig.h"
@@ -106,7 +107,8 @@ public:
     // What kind of record this is, a character code of E_EntryType.
     virtual int get_entrytype() const { return E_Object; }
     static std::string entrytype_to_string(int type);
-    // The type whose text this is (any case); E_Object for an unknown text.
+    // The type whose text this is (any case, "Appointment" and "Group" too);
+    // E_Object for an unknown text.
     static int string_to_entrytype(const std::string& text);
 
     std::string get_summary() const override { return m_summary; }
@@ -139,13 +141,17 @@ public:
     void set_timetype(int id, bool calculated = false);
 
     virtual bool is_complete() const;
-    virtual void mark_complete(const ZBDate& date);
+    virtual int mark_complete(const ZBDate& date);
     // Marks the entry as seen now.
     virtual void acknowledge();
     // The spelling is kept: callers across the program use this name.
     virtual bool is_acknowleged() const;
     const ZBDate& get_ack_time() const { return m_ackTime; }
     void set_ack_time(const ZBDate& date) { m_ackTime = date; }
+
+    // The repeat rule: stored only while it repeats.
+    const ZBDateRepeat& get_repeat() const { return m_repeat; }
+    ZBDateRepeat& edit_repeat() { return m_repeat; }
 
     bool get_bookmark() const { return m_bookmark; }
     void set_bookmark(bool bookmark) { m_bookmark = bookmark; }
@@ -161,7 +167,8 @@ public:
     virtual int pre_validate_value(const std::string& tag, const std::string& value) const;
     // Told after a system value has changed a date, so a subclass can react.
     virtual void sysval_time_modified() {}
-    // Takes the other's record values (not its identity or place in the tree).
+    // Takes the other's record values (not its identity, place in the tree or
+    // repeat rule: a copy made from one instance of a series stands alone).
     void clone_values(const ZBDEntry& other);
 
     // Tags: ids of other entries, each mirrored by a reverse tag on the other.
@@ -178,6 +185,8 @@ protected:
     // The body of serialise. A class that keeps the text and time under keys
     // of its own passes withTextTime false and streams them itself.
     int serialise_entry(std::istream* in, std::ostream* out, const std::string& prefix, int version, bool withTextTime);
+    // Puts the record values back to their defaults, identity untouched.
+    void clear_values();
 
     std::string m_summary;
     std::string m_text;
@@ -193,6 +202,7 @@ protected:
     ZBDate m_ackTime;
     bool m_bookmark;
     bool m_preserve;
+    ZBDateRepeat m_repeat;
 };
 
 } // namespace Tervalon

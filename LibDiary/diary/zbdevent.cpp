@@ -13,7 +13,7 @@ ZBDEvent::ZBDEvent()
     ZBDEvent::register_zbobject();
 }
 
-ZBDEvent::ZBDEvent(const ZBDEvent& other) : ZBDEntry(other), m_repeat(other.m_repeat) {}
+ZBDEvent::ZBDEvent(const ZBDEvent& other) : ZBDEntry(other) {}
 
 ZBDEvent::~ZBDEvent() = default;
 
@@ -22,19 +22,17 @@ ZBDEvent& ZBDEvent::operator=(const ZBDEvent& other)
     if (this == &other)
         return *this;
     ZBDEntry::operator=(other);
-    m_repeat = other.m_repeat;
     return *this;
 }
 
 bool ZBDEvent::operator==(const ZBDEvent& other) const
 {
-    return m_repeat == other.m_repeat && ZBDEntry::operator==(other);
+    return ZBDEntry::operator==(other);
 }
 
 void ZBDEvent::dump(std::ostream& out, int indent) const
 {
     ZBDump dump("ZBDEvent", out, indent);
-    dump.add_entry("m_repeat", m_repeat.to_string());
     dump.write_heading("Base Class");
     dump.write();
     ZBDEntry::dump(out, indent + 1);
@@ -42,11 +40,7 @@ void ZBDEvent::dump(std::ostream& out, int indent) const
 
 int ZBDEvent::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
 {
-    if (out == nullptr || m_repeat.is_repeating()) {
-        ZBSrlObject<ZBDateRepeat> repeat(m_repeat, version);
-        if (iszberr(serialise_object(in, out, prefix, "Rpt", repeat)))
-            return zbpass(ZBLOC);
-    }
+    // The rule is the record's own and goes with the base's fields.
     return ZBDEntry::serialise(in, out, prefix, version);
 }
 
@@ -97,9 +91,10 @@ bool ZBDEvent::compare_date(const ZBDEvent* a, const ZBDEvent* b)
     return a->get_time().m_start < b->get_time().m_start;
 }
 
-void ZBDEvent::mark_complete(const ZBDate& date)
+int ZBDEvent::mark_complete(const ZBDate& date)
 {
     set_ack_time(date);
+    return ZBErrC_ok;
 }
 
 bool ZBDEvent::is_acknowleged() const

@@ -23,8 +23,6 @@ public:
     void set_defaults(bool all) override;
     int get_entrytype() const override { return E_Event; }
 
-    const ZBDateRepeat& get_repeat() const { return m_repeat; }
-    ZBDateRepeat& edit_repeat() { return m_repeat; }
     bool is_repeating() const { return m_repeat.is_repeating(); }
     // The instance that is current at a moment: the latest that has started
     // by then, or the first one when none has; the event's own slot when it
@@ -34,12 +32,11 @@ public:
     static bool compare_date(const ZBDEvent* a, const ZBDEvent* b);
 
     // A repeating event acknowledges the instance current at the date.
-    void mark_complete(const ZBDate& date) override;
+    int mark_complete(const ZBDate& date) override;
     bool is_acknowleged() const override;
     bool is_acknowleged(const ZBDateSlot& instance) const;
 
 private:
-    ZBDateRepeat m_repeat;
 };
 
 } // namespace Tervalon

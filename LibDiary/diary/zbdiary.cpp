@@ -14,6 +14,8 @@
 #include "LibDiary/diary/finance/zbfinancemgr.h"
 #include "LibDiary/diary/prayer/zbprayerdata.h"
 #include "LibDiary/diary/prayer/zbprayermgr.h"
+#include "LibDatabase/db/zbobjectspec.h"
+#include "LibDatabase/db/zbvarspec.h"
 #include "LibObject/object/zbdump.h"
 
 #include <algorithm>
@@ -110,6 +112,7 @@ int ZBDiary::create_zbobject(ZBObject*& out, const ZBObject* from)
 
 void ZBDiary::set_defaults(bool all)
 {
+    ZBDatabase::set_defaults(all);
     m_personData->set_defaults(all);
     m_journalData->set_defaults(all);
     m_eventData->set_defaults(all);
@@ -174,6 +177,8 @@ int ZBDiary::initialise(bool created)
     if (created) {
         for (const std::string& name : default_spec_names())
             set_spec_source(name, default_spec_source(name));
+        if (iszbwarn(create_default_spec()))
+            return zbpass(ZBLOC);
     } else if (iszbwarn(update_specs())) {
         return zbpass(ZBLOC);
     }
@@ -189,6 +194,7 @@ int ZBDiary::recalculate(E_RecalcLevel level)
 
 void ZBDiary::containers_resolved()
 {
+    ZBDatabase::containers_resolved();
     // The lists of people and groups are rebuilt on their next use.
     m_personData->m_builtObjects = -1;
 }
@@ -222,9 +228,20 @@ int ZBDiary::pull_complete()
     return resolve_containers();
 }
 
+// The default specs a new file is given are not the user's data.
 bool ZBDiary::has_user_data() const
 {
-    bool any = ZBDatabase::has_user_data();
+    const std::vector<std::string>& defaults = default_spec_names();
+    bool any = false;
+    for (int i = 0; i < get_nobjects() && !any; ++i) {
+        const ZBDBObject* object = get_object_by_index(i);
+        if (object->is_deleted())
+            continue;
+        const ZBObjectSpec* spec = dynamic_cast<const ZBObjectSpec*>(object);
+        any = !spec
+            || (spec->get_name() != C_DefaultSpecName && spec->get_name() != C_PrayerUpdateSpec
+                && std::find(defaults.begin(), defaults.end(), spec->get_name()) == defaults.end());
+    }
     for (const ZBDiaryMgr* manager : m_managers) {
         if (m_observer)
             m_observer("has_user_data", *manager);
@@ -284,11 +301,66 @@ ZBDEntry* ZBDiary::get_dentry_id(int id) const
     return dynamic_cast<ZBDEntry*>(get_object_by_id(id));
 }
 
-int ZBDiary::add_sysquants(ZBDBObject&)
+namespace {
+// The constraint of a system value's kind.
+int sysquant_constraint(int code)
 {
-    // Spec objects take their system values when the spec class arrives; the
-    // list is ZBDEntry::get_sysquants.
-    return ZBErrC_okNotHandled;
+    switch (code) {
+    case ZBDEntry::C_SysCodeDate:
+        return ZBVarSpec::E_Date;
+    case ZBDEntry::C_SysCodeBool:
+        return ZBVarSpec::E_Bool;
+    case ZBDEntry::C_SysCodeNumber:
+        return ZBVarSpec::E_Float;
+    case ZBDEntry::C_SysCodeDuration:
+        return ZBVarSpec::E_Duration;
+    default:
+        return ZBVarSpec::E_None;
+    }
+}
+} // namespace
+
+int ZBDiary::add_sysquants(ZBObjectSpec& spec)
+{
+    for (const ZBDEntry::SysQuant& quant : ZBDEntry::get_sysquants()) {
+        ZBVarSpec* var = spec.get_varspec_by_name(quant.name);
+        if (!var || var->is_derived() || var->is_sysvalue())
+            continue;
+        var->set_sysvalue(true);
+        const int constraint = sysquant_constraint(quant.code);
+        if (constraint != ZBVarSpec::E_None)
+            var->set_constraint(constraint, quant.code == ZBDEntry::C_SysCodeNumber ? "%.1f" : "");
+        // Associated declarations (NAME:ASSOC) follow their main one.
+        for (int i = 0; i < spec.get_nassoc(quant.name); ++i)
+            spec.get_assoc_by_index(quant.name, i)->set_sysvalue(true);
+    }
+    return ZBErrC_ok;
+}
+
+// The names and sources come from m_specSource (set by initialise) or the
+// built-in defaults; the top level spec the database made gets the record
+// types' child lines added to it.
+int ZBDiary::create_default_spec()
+{
+    if (iszbwarn(ZBDatabase::create_default_spec()))
+        return zbpass(ZBLOC);
+    std::vector<std::string> names = default_spec_names();
+    names.push_back(C_PrayerUpdateSpec);
+    for (const std::string& name : names) {
+        auto it = m_specSource.find(name);
+        std::string source = it != m_specSource.end() ? it->second : default_spec_source(name);
+        if (name == C_TopLevelSpecName)
+            if (const ZBObjectSpec* spec = get_objectspec_by_name(name))
+                source = spec->get_text();
+        if (!get_objectspec_by_name(name) || name == C_TopLevelSpecName)
+            if (iszbwarn(ZBDatabase::set_spec_source(name, source, false)))
+                return zbpass(ZBLOC);
+        if (it != m_specSource.end())
+            m_specSource.erase(it);
+    }
+    if (iszbwarn(update_specs()))
+        return zbpass(ZBLOC);
+    return parse_objectspecs(true);
 }
 
 int ZBDiary::validate_spec(const ZBDEntry& entry, const std::string& specName, const std::string& childTag) const
@@ -321,6 +393,8 @@ std::string ZBDiary::default_spec_source(const std::string& name)
         return type_line("Address") + child_line(C_PersonTag, C_PersonSpec);
     if (name == C_PrayerSpec)
         return type_line("Prayer") + child_line(C_JournalTag, C_PrayerUpdateSpec);
+    if (name == C_PrayerUpdateSpec)
+        return type_line("Journal");
     if (name == C_TopLevelSpecName)
         return child_line(C_DefaultChildName, C_DefaultSpecName) + child_line(C_PersonTag, C_PersonSpec)
             + child_line(C_GroupTag, C_GroupSpec) + child_line(C_EventTag, C_EventSpec)
@@ -330,25 +404,30 @@ std::string ZBDiary::default_spec_source(const std::string& name)
 
 std::string ZBDiary::get_spec_source(const std::string& name) const
 {
+    if (const ZBObjectSpec* spec = get_objectspec_by_name(name))
+        return spec->get_text();
     auto it = m_specSource.find(name);
     return it == m_specSource.end() ? std::string() : it->second;
 }
 
 void ZBDiary::set_spec_source(const std::string& name, const std::string& source)
 {
-    m_specSource[name] = source;
+    if (get_objectspec_by_name(name))
+        ZBDatabase::set_spec_source(name, source, false);
+    else
+        m_specSource[name] = source;
 }
 
 // A user's own lines stay; only child lines of the default that are missing are added.
 int ZBDiary::update_specs()
 {
     for (const std::string& name : default_spec_names()) {
-        auto it = m_specSource.find(name);
-        if (it == m_specSource.end()) {
-            m_specSource[name] = default_spec_source(name);
+        const std::string old = get_spec_source(name);
+        if (old.empty() && !get_objectspec_by_name(name)) {
+            set_spec_source(name, default_spec_source(name));
             continue;
         }
-        std::string& source = it->second;
+        std::string source = old;
         for (const std::string& line : source_lines(default_spec_source(name))) {
             if (line.compare(0, 2, "$[") != 0 || source.find(line.substr(0, line.find(" = "))) != std::string::npos)
                 continue;
@@ -356,6 +435,8 @@ int ZBDiary::update_specs()
                 source += '\n';
             source += line;
         }
+        if (source != old)
+            set_spec_source(name, source);
     }
     return ZBErrC_ok;
 }

@@ -84,18 +84,27 @@ public:
     ZBDEntry* get_dentry_id(int id) const;
 
     // Specs.
-    // Each system value as a constraint of the spec; with no spec class yet,
-    // the caller takes the list from ZBDEntry::get_sysquants.
-    int add_sysquants(ZBDBObject& spec);
+    // The default spec of each record type, as spec objects of the database,
+    // made when missing and parsed.
+    int create_default_spec() override;
+    // Marks each declaration of the spec that names a system value
+    // (ZBDEntry::get_sysquants) as that system value, with the constraint of
+    // its kind. A derived declaration (eval) keeps its own expression. Nothing
+    // is added for the values a spec does not name, so that objects carry no
+    // variables they do not use.
+    int add_sysquants(ZBObjectSpec& spec) override;
     // Whether an entry of that kind may sit under a parent of this spec.
     int validate_spec(const ZBDEntry& entry, const std::string& specName, const std::string& childTag) const;
     int update_specs();
     // The source of a default spec by name; empty for a name that is not one.
     static std::string default_spec_source(const std::string& name);
     static const std::vector<std::string>& default_spec_names();
-    // The stored source of a spec this database holds; empty when it has none.
+    // The source of a spec this database holds: the spec object's text, or the
+    // source waiting for create_default_spec; empty when it has neither.
     std::string get_spec_source(const std::string& name) const;
+    // Sets the source; a spec object of that name takes the text (unparsed).
     void set_spec_source(const std::string& name, const std::string& source);
+    using ZBDatabase::set_spec_source;
 
     // Blocks and managers.
     const ZBPersonData& personC() const { return *m_personData; }
@@ -141,8 +150,8 @@ private:
     std::unique_ptr<ZBCalMgr> m_calMgr;
     std::vector<ZBDiaryMgr*> m_managers;
     FanoutObserver m_observer;
-    // Spec sources by name. Not stored: the database's spec objects are the
-    // stored form, and these are what initialise and update_specs give them.
+    // Spec sources by name for specs that have no object yet. Not stored: the
+    // database's spec objects are the stored form.
     std::map<std::string, std::string> m_specSource;
 };
 
