@@ -217,16 +217,16 @@ TEST_F(DiaryStream, FacetFieldsKeepTheirPlaceInTheEntry)
 {
     // The order of the tags in an entry is the order of the facets: the type,
     // properties, progress kind, baseline, sessions, plans, dependencies and
-    // commands, then the record's own fields.
+    // commands, then the fields every dated record holds, then the object's own.
     ASSERT_TRUE(Tervalon::Test::file_exists(C_Golden));
     const std::string golden = Tervalon::Test::read_file(C_Golden);
-    const size_t begin = golden.find("!sm!Facets; all of them");
+    const size_t begin = golden.find("!Sm!Facets; all of them");
     const size_t entry = golden.rfind("{DiaryEntry", begin);
     ASSERT_NE(entry, std::string::npos);
     const std::string record = golden.substr(entry, golden.find("\n}\n@O:", entry) - entry);
     const std::vector<std::string> order = {"!et!", "!re!", "!tt!", "!rz!", "!ap!", "!bd!", "!st!", "!pg!", "!ab!", "@se",
-                                 "!cl!", "@pl",  "!dpo!", "!dpd!", "!cd!", "!ex!", "!sm!", "!tx!", "!sa!", "!du!",
-                                 "!pr!", "!dr!", "!rpt!", "!bm!", "!ps!", "!I!"};
+                                 "!cl!", "@pl",  "!dpo!", "!dpd!", "!cd!", "!ex!", "@Rpt", "!Sm!", "!Tx!", "!Tm!",
+                                 "!SA!", "!DD!", "!Pr!", "!Dn!", "!BM!", "!PV!", "!I!"};
     expect_in_order(record, order);
 
     // The settings open the diary's own record, before its import and calendar.
