@@ -5,6 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")"
 tools/deps.sh
 export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
+# Paths below the source folder count as relative, so clones in other places share the cache.
+export CCACHE_BASEDIR="$PWD"
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DTERVALON_BENCH=ON >/dev/null
 cmake --build build --parallel "$(nproc)"
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then

@@ -5,6 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")"
 tools/deps.sh
 export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
+# Paths below the source folder count as relative, so clones in other places share the cache.
+export CCACHE_BASEDIR="$PWD"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTERVALON_TESTS=ON -DTERVALON_SANITIZE=ON >/dev/null
 cmake --build build/asan --parallel "$(nproc)"
 cd build/asan
