@@ -8,7 +8,7 @@ export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
 # Paths below the source folder count as relative, so clones in other places share the cache.
 export CCACHE_BASEDIR="$PWD"
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DTERVALON_BENCH=ON >/dev/null
-cmake --build build --parallel "$(nproc)"
+cmake --build build --parallel "$(nproc)" >/dev/null
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   exec build/bin/tervalon-diary "$@"
 fi
@@ -18,8 +18,10 @@ if [ -z "$file" ]; then
   # made afresh in a scratch folder so no file of the user's is touched.
   scratch="$(mktemp -d)"
   file="$scratch/sample.zbd"
-  examples/make-sample.sh "$file" >/dev/null
+  TERVALON=build/bin/tervalon examples/make-sample.sh "$file" >/dev/null
 fi
 echo "No display: showing $file with the command-line program."
 build/bin/tervalon check "$file"
-build/bin/tervalon dump "$file" | head -40
+build/bin/tervalon tree "$file"
+echo
+echo "More: build/bin/tervalon --help"

@@ -66,22 +66,10 @@ std::string ZBErrDetails::get_time_text() const
 
 std::string ZBErrDetails::format_time(long long microsSinceEpoch, bool withMicros)
 {
-    // The date is shifted by the local offset of that moment and printed as if
-    // in UTC, so the text reads as the wall clock did when it happened.
-    ZBDate utc;
-    utc.from_micros(microsSinceEpoch, ZBDate::C_GMT);
-    int offset = ZBDateUtils::zone_to_seconds(ZBDateUtils::local_zone_at(utc), true);
-    ZBDate local;
-    local.from_micros(microsSinceEpoch + (long long)offset * ZBDate::C_MicroSecs, ZBDate::C_GMT);
-    int year = 0, month = 0, day = 0;
-    ZBDateUtils::breakdown_yearday(local.get_day_of_year(), local.get_year(), year, month, day);
-    int second = local.get_second_of_day();
-    char buffer[64];
-    int n = std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", year, month + 1, day + 1, second / 3600,
-                          second / 60 % 60, second % 60);
-    if (withMicros && n > 0 && n < int(sizeof buffer))
-        std::snprintf(buffer + n, sizeof buffer - size_t(n), ".%06d", local.get_microsecond());
-    return buffer;
+    // Shown in the machine's zone, as the wall clock read when it happened.
+    ZBDate date;
+    date.from_micros(microsSinceEpoch, ZBDate::C_LocalTime);
+    return date.to_string(withMicros ? "%D %H:%M:%U" : "%D %H:%M:%S");
 }
 
 std::string ZBErrDetails::get_message() const

@@ -42,7 +42,7 @@ TEST_F(ErrorLogfile, RecordFormatHasCodeNameTimeAndLabelledParts)
     zbpass("b.cpp:2");
     std::ostringstream expected;
     expected << "==================\n"
-             << " ZBError Code " << ZBErrC_FileOpen << "(ZBErrC_FileOpen) at 2023-11-14 22:13:20.000000\n"
+             << " ZBError Code " << ZBErrC_FileOpen << "(ZBErrC_FileOpen) at 14/Nov/2023 22:13:20.000000\n"
              << "Could not open x.zbd\n"
              << "  Location: a.cpp:1\n";
     // The record is written as reported; later locations are not in the log.
@@ -54,7 +54,7 @@ TEST_F(ErrorLogfile, LogLinesAndUserWarnings)
     get_zberror().add_handler(new ZBErrHandlerLogfile(path, true, false, false, true));
     zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "shown to the user, not logged");
     zblog("c.cpp:3", "saved %d objects", 12);
-    EXPECT_EQ(Tervalon::Test::read_file(path), "==================\nLog: 2023-11-14 22:13:20.000000 c.cpp:3 saved 12 objects\n");
+    EXPECT_EQ(Tervalon::Test::read_file(path), "==================\nLog: 14/Nov/2023 22:13:20.000000 c.cpp:3 saved 12 objects\n");
 }
 
 TEST_F(ErrorLogfile, StaysAtTheCapPlusTheNewRecord)

@@ -67,7 +67,7 @@ TEST_F(LogAndProfile, LinesCarryTheTimeAndStayOneEntryPerLine)
     log.set_base_dir(Tervalon::Test::make_temp_dir("namedlog"));
     EXPECT_EQ(log.log("sync", "pushed 3 files"), ZBErrC_ok);
     log.log("sync", "two\nlines");
-    EXPECT_EQ(log.read("sync"), "2023-11-14 22:13:20: pushed 3 files\n2023-11-14 22:13:20: two\n    lines\n");
+    EXPECT_EQ(log.read("sync"), "14/Nov/2023 22:13:20: pushed 3 files\n14/Nov/2023 22:13:20: two\n    lines\n");
     EXPECT_EQ(log.read("never-written"), "");
 }
 
