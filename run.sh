@@ -8,7 +8,8 @@ export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
 # Paths below the source folder count as relative, so clones in other places share the cache.
 export CCACHE_BASEDIR="$PWD"
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DTERVALON_BENCH=ON >/dev/null
-cmake --build build --parallel "$(nproc)" >/dev/null
+echo "Building (Release)..."
+cmake --build build --parallel "$(nproc)" > build/build.log 2>&1 || { tail -40 build/build.log; exit 1; }
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   exec build/bin/tervalon-diary "$@"
 fi
