@@ -1476,6 +1476,11 @@ int ZBDatabase::import_specs(std::istream& in, const std::string& fileName, std:
         }
         definitions.back().text += line + "\n";
     }
+    for (const Definition& definition : definitions)
+        if (!definition.query && !ZBDBParser::is_valid_name(definition.name))
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
+                              "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
+                              definition.name.c_str());
     for (const Definition& definition : definitions) {
         if (definition.query)
             continue; // Queries are read by the query machinery from the same file.
@@ -1483,10 +1488,6 @@ int ZBDatabase::import_specs(std::istream& in, const std::string& fileName, std:
             names->push_back(definition.name);
         ZBObjectSpec* spec = get_objectspec_by_name(definition.name);
         if (!spec) {
-            if (!ZBDBParser::is_valid_name(definition.name))
-                return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
-                                  "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
-                                  definition.name.c_str());
             spec = new ZBObjectSpec(definition.name, definition.text);
             int result = add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
             if (iszbwarn(result))

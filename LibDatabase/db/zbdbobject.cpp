@@ -570,14 +570,10 @@ bool valid_var_tag(const std::string& tag)
     return true;
 }
 
+// The program's clock, so that a fixed moment (tests, replays) reaches these too.
 std::string clock_text(const char* format)
 {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char buffer[64];
-    std::strftime(buffer, sizeof buffer, format, &local);
-    return buffer;
+    return ZBDateUtils::now().to_string(format);
 }
 
 } // namespace
@@ -789,6 +785,11 @@ int ZBDBObject::apply_objectspec(const ZBObjectSpec& spec)
             }
         if (!variable)
             variable = new ZBVariable(varSpec->get_tag(), varSpec->get_spec());
+        else if (const std::shared_ptr<ZBVarSpec>& old = variable->get_spec())
+            // A value still equal to the old declaration's text was never the
+            // user's (the file does not store it), so it follows the new text.
+            if (old->get_spec() != varSpec->get_spec() && variable->get_value() == old->get_spec())
+                variable->mark_initialised(false);
         variable->set_spec(varSpec);
         linked.push_back(variable);
     }

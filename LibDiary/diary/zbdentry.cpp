@@ -452,6 +452,16 @@ int ZBDEntry::pre_validate_value(const std::string& tag, const std::string& valu
         ZBDuration duration;
         if (iszbwarn(duration.from_string(value)))
             return zbpass(ZBLOC);
+    } else if (tag == C_SysPriority || tag == C_SysCompletion) {
+        // The whole text must be the number ("%" may follow a completion, as it is read).
+        const std::string text = zb_trim(value);
+        char* end = nullptr;
+        std::strtod(text.c_str(), &end);
+        std::string rest = end ? std::string(end) : text;
+        if (tag == C_SysCompletion && rest == "%")
+            rest.clear();
+        if (text.empty() || end == text.c_str() || !rest.empty())
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: Invalid number value: %s", tag.c_str(), value.c_str());
     }
     return ZBErrC_ok;
 }

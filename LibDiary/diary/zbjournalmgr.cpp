@@ -1,4 +1,5 @@
 #include "LibDiary/diary/zbjournalmgr.h"
+#include "LibDatabase/db/zbobjectspec.h"
 #include "LibDiary/diary/zbdevent.h"
 #include "LibDiary/diary/zbdiary.h"
 #include "LibDiary/diary/zbdjournal.h"
@@ -62,9 +63,13 @@ int ZBJournalMgr::event_to_journal(int id)
     if (iszbwarn(diary.extract_object(id, removed, false)))
         return zbpass(ZBLOC);
     std::unique_ptr<ZBDBObject> copy(removed);
-    if (iszbwarn(diary.add_object(journal.get(), parent, ZBDiary::C_JournalTag, member, -1, std::string())))
+    const ZBObjectSpec* spec = diary.get_objectspec_by_name(ZBDiary::C_JournalSpec);
+    const int specId = spec ? spec->get_id() : -1;
+    if (iszbwarn(diary.add_object(journal.get(), parent, ZBDiary::C_JournalTag, member, specId, std::string())))
         return zbpass(ZBLOC);
     ZBDJournal* note = journal.release();
+    if (specId >= 0 && iszbwarn(diary.apply_objectspec_to_db(*note, specId, false)))
+        return zbpass(ZBLOC);
     // Children of the event (notes, people) move to the new note.
     while (ZBDBObject* child = copy->extract_managed_child()) {
         const std::string tag = child->get_obj_container_tag().empty() ? ZBDatabase::C_DefaultChildName
