@@ -73,8 +73,14 @@ public:
                 going = number();
             else
                 going = symbol(token);
-            if (!going)
-                return; // the terms so far stand; a pending month is dropped
+            if (!going) {
+                // The terms so far stand; a pending month is dropped. Text left
+                // unread makes the reading incomplete, which typed text must not be.
+                m_tokens.pop_whitespace();
+                if (!m_tokens.empty())
+                    m_complete = false;
+                return;
+            }
         }
         if (m_pendingMonth >= 0)
             m_exp.add_term(T::SetMonth, m_pendingMonth);
@@ -498,9 +504,17 @@ private:
             m_exp.add_term(T::AddMonth, value);
         else if (ZBDateParser::compare_token(unit, "Y"))
             m_exp.add_term(T::AddYear, value);
+        else
+            m_complete = false; // A unit word that names no unit adds nothing.
         return true;
     }
 
+public:
+    // False when part of the text was passed over.
+    bool complete() const { return m_complete; }
+
+private:
+    bool m_complete = true;
     ZBTokenSet m_tokens;
     ZBDateExp& m_exp;
     const ZBLocale& m_locale;
@@ -531,13 +545,23 @@ std::string cleaned(const std::string& text)
 
 ZBDateExp ZBDateParser::parse_date(const std::string& text)
 {
+    return parse_date(text, nullptr);
+}
+
+ZBDateExp ZBDateParser::parse_date(const std::string& text, bool* complete)
+{
     ZBDateExp exp;
+    if (complete)
+        *complete = true;
     const std::string clean = cleaned(text);
     if (clean.empty()) {
         exp.add_term(T::Blank, 0);
         return exp;
     }
-    Parse(clean, exp).run();
+    Parse parse(clean, exp);
+    parse.run();
+    if (complete)
+        *complete = parse.complete();
     return exp;
 }
 
@@ -661,9 +685,10 @@ int ZBDateParser::read_checked(const std::string& text, const ZBDate* relative, 
                                ZBDate& result)
 {
     result = ZBDate(ZBDate::E_Blank);
-    ZBDateExp exp = parse_date(text);
+    bool complete = true;
+    ZBDateExp exp = parse_date(text, &complete);
     const ZBDate start = relative ? *relative : ZBDate(ZBDate::E_Blank);
-    if (exp.is_invalid())
+    if (exp.is_invalid() || !complete)
         return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str());
     std::string why = impossible_field(exp, start);
     if (!why.empty())

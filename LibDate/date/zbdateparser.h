@@ -20,6 +20,8 @@ public:
     // Never fails: text it cannot read gives the expression of the Invalid
     // term, and empty text the Blank term.
     static ZBDateExp parse_date(const std::string& text);
+    // The same, telling whether all of the text was read.
+    static ZBDateExp parse_date(const std::string& text, bool* complete);
     // The lexer of date text: digit runs, upper-cased letter runs, white space
     // runs and single other characters.
     static void split_tokens(ZBTokenSet& tokens, const std::string& text);

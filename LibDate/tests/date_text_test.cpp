@@ -251,6 +251,9 @@ TEST_F(DateText, CheckedReadingRefusesWhatTheLenientOneCarries)
     } rows[] = {
         {"blah", "Invalid date value: blah"},
         {"-1 Day", "Invalid date value: -1 Day"},
+        {"+soon", "Invalid date value: +soon"},
+        {"+3 fortnights", "Invalid date value: +3 fortnights"},
+        {"tomorrow and then", "Invalid date value: tomorrow and then"},
         {"31-Feb-2026", "Invalid date value: 31-Feb-2026. Feb 2026 has 28 days."},
         {"29/2/2027", "Invalid date value: 29/2/2027. Feb 2027 has 28 days."},
         {"31 Apr", "Invalid date value: 31 Apr. Apr 2026 has 30 days."},
