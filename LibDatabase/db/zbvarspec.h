@@ -59,7 +59,7 @@ public:
     // choices or a range whose low end is above its high end cannot).
     bool constraint_satisfiable(std::string& message) const;
 
-    // True when the spec says something about the variable; a declaration that
+    // True when its object spec sets something for the variable; a declaration that
     // does not may be overwritten by an inherited one.
     bool defined_in_spec() const;
 
