@@ -2,6 +2,7 @@
 #include "LibObject/object/zbdump.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <ostream>
 #include <sstream>
 #include <vector>
@@ -12,38 +13,40 @@ namespace {
 
 const ZBObjectPreReg g_register("ZBDateSet", &ZBDateSet::create_zbobject);
 
-// Runs this long are put in order by the system's sort, then merged; a whole
-// out-of-order array sorted in one go would cost a quadratic number of moves.
-const int C_SortRun = 32;
-
-// Puts the array in order: ZBPtrArray::sort on short runs, then a merge of
-// the runs. Entries that compare equal are equal values, so their relative
-// order cannot show in the result.
+// Puts the array in order of start, end and type. The sort works on a copy of
+// those keys held side by side: comparing through the pointers to entries
+// scattered over the heap made a large bulk add wait on memory. Entries whose
+// keys are equal differ at most in the zone they are shown in, so their
+// order among themselves (kept as it was) cannot change a set.
 void sort_entries(ZBPtrArray<ZBDateSetEntry>& array)
 {
-    int n = array.size();
+    const int n = array.size();
     if (n < 2)
         return;
-    for (int first = 0; first < n; first += C_SortRun)
-        array.sort(&compare_zbdatesetentry, first, std::min(first + C_SortRun, n) - 1);
-    if (n <= C_SortRun)
-        return;
-    std::vector<ZBDateSetEntry*> a(array.begin(), array.end());
-    std::vector<ZBDateSetEntry*> b(a.size());
-    auto less = [](const ZBDateSetEntry* x, const ZBDateSetEntry* y) { return zbdatesetentry_less(*x, *y); };
-    for (size_t width = C_SortRun; width < a.size(); width *= 2) {
-        for (size_t lo = 0; lo < a.size(); lo += 2 * width) {
-            size_t mid = std::min(lo + width, a.size());
-            size_t hi = std::min(lo + 2 * width, a.size());
-            std::merge(a.begin() + lo, a.begin() + mid, a.begin() + mid, a.begin() + hi, b.begin() + lo, less);
-        }
-        a.swap(b);
-    }
+    struct Key {
+        std::int64_t start;
+        std::int64_t end;
+        int type;
+        ZBDateSetEntry* entry;
+    };
+    // A date that is not ok comes after every real one, as ZBDate orders them.
+    auto moment = [](const ZBDate& date) { return date.is_ok() ? date.to_micros() : INT64_MAX; };
+    std::vector<Key> keys;
+    keys.reserve(size_t(n));
+    for (ZBDateSetEntry* entry : array)
+        keys.push_back({moment(entry->m_start), moment(entry->m_end), entry->m_type, entry});
+    std::stable_sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) {
+        if (a.start != b.start)
+            return a.start < b.start;
+        if (a.end != b.end)
+            return a.end < b.end;
+        return a.type < b.type;
+    });
     array.set_managed(false);
     array.clear();
     array.reserve(n);
-    for (ZBDateSetEntry* entry : a)
-        array.push_back(entry);
+    for (const Key& key : keys)
+        array.push_back(key.entry);
     array.set_managed(true);
 }
 
