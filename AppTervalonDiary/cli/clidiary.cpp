@@ -37,6 +37,10 @@ int CliDiary::read_date(const std::string& text, ZBDate& out)
 
 int CliDiary::read_duration(const std::string& text, ZBDuration& out)
 {
+    // A length a person types holds at least one number; "a while" would
+    // otherwise read silently as no time at all.
+    if (text.find_first_of("0123456789") == std::string::npos)
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid duration: %s", text.c_str());
     if (iszbwarn(out.from_string(text)))
         return zbpass(ZBLOC);
     return ZBErrC_ok;

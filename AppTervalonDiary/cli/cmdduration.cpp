@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/cli/cmdduration.h"
+#include "AppTervalonDiary/cli/clidiary.h"
 #include "LibDate/date/zbduration.h"
 #include "LibCore/error/zberror.h"
 
@@ -12,7 +13,7 @@ int CmdDuration::run(CliContext& context)
         return usage_error(context, *this, "no duration text given");
     for (const std::string& text : context.args) {
         ZBDuration duration;
-        int result = duration.from_string(text, 0);
+        int result = CliDiary::read_duration(text, duration);
         if (iszbwarn(result))
             return report_failure(context, result);
         context.out << duration.to_string(false) << "\n";

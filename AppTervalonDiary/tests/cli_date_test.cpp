@@ -63,4 +63,9 @@ TEST(CliDuration, PrintsTheTextForm)
     CliRun bad = tervalon({"duration", "3 fortnights"});
     EXPECT_EQ(bad.status, 1);
     EXPECT_NE(bad.err.find("Invalid duration unit"), std::string::npos);
+    // Text with no number in it is no length of time.
+    CliRun vague = tervalon({"duration", "a while"});
+    EXPECT_EQ(vague.status, 1);
+    EXPECT_EQ(vague.err, "tervalon: Invalid duration: a while\n");
+    EXPECT_EQ(vague.out, "");
 }
