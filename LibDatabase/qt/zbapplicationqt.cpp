@@ -7,16 +7,32 @@
 #include "LibDate/date/zblocale.h"
 
 #include <QDesktopServices>
+#include <QSocketNotifier>
 #include <QMessageBox>
 #include <QTimer>
 #include <QRegularExpression>
 #include <QUrlQuery>
 
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
 namespace Tervalon {
 
 namespace {
+
 ZBApplicationQt* g_applicationQt = nullptr;
+// A signal handler may only write to a descriptor; the event loop reads the other end.
+int g_signalPipe[2] = {-1, -1};
+
+void on_terminate_signal(int)
+{
+    const char byte = 1;
+    ssize_t written = ::write(g_signalPipe[0], &byte, 1);
+    (void)written;
 }
+
+} // namespace
 
 ZBApplicationQt::ZBApplicationQt(ZBQtApp& qtApp, int argc, char** argv, const std::string& application,
                                  const std::string& title, const std::string& extension, const std::string& release,
@@ -30,6 +46,31 @@ ZBApplicationQt::ZBApplicationQt(ZBQtApp& qtApp, int argc, char** argv, const st
 {
     g_applicationQt = this;
     qtApp.set_url_receiver(this);
+    watch_signals();
+}
+
+void ZBApplicationQt::watch_signals()
+{
+    if (g_signalPipe[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0)
+        return;
+    QSocketNotifier* notifier = new QSocketNotifier(g_signalPipe[1], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, &ZBApplicationQt::terminate_requested);
+    struct sigaction action = {};
+    action.sa_handler = on_terminate_signal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    for (int signal : {SIGTERM, SIGHUP, SIGINT})
+        sigaction(signal, &action, nullptr);
+}
+
+void ZBApplicationQt::terminate_requested()
+{
+    char byte = 0;
+    ssize_t got = ::read(g_signalPipe[1], &byte, 1);
+    (void)got;
+    QApplication::closeAllWindows();
+    if (get_nwindows() == 0)
+        QCoreApplication::quit();
 }
 
 ZBApplicationQt::~ZBApplicationQt()

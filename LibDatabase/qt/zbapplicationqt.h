@@ -51,9 +51,14 @@ public:
 
 public slots:
     void app_started();
+    // A request from the system to end (SIGTERM, SIGHUP, SIGINT): the windows
+    // close as if the user closed them, so each saves its file first.
+    void terminate_requested();
     Q_INVOKABLE void url_scheme(const QUrl& url);
 
 private:
+    void watch_signals();
+
     ZBQtApp& m_qtApp;
     ZBPtrArray<ZBDBManagerQt> m_window;
 };
