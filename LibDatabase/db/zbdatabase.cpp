@@ -335,6 +335,8 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
         if (!QFile::copy(QString::fromStdString(templateFile), qname))
             return zbwarnuser(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", name.c_str());
     }
+    if (QFileInfo(qname).isDir())
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "%s is a folder, not a data file.", name.c_str());
     if (!noClean && !readOnly) {
         int result = clean_intermediate(keepPartial, forceClean);
         if (iszbwarn(result))

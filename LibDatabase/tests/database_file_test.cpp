@@ -149,6 +149,10 @@ TEST_F(DatabaseFile, DamagedFilesAreRefusedAndLeftUntouched)
 
 TEST_F(DatabaseFile, MissingFileWithoutCreateIsAWarning)
 {
+    ZBDatabase folder;
+    EXPECT_TRUE(iszbwarn(folder.load(m_dir, false)));
+    EXPECT_EQ(get_zberror().top()->get_message(), m_dir + " is a folder, not a data file.");
+    get_zberror().clear_all();
     ZBDatabase db;
     int result = db.load(path("absent.zbd"), false);
     EXPECT_TRUE(iszbwarn(result));
