@@ -17,6 +17,13 @@ void print_entry(std::string& text, const DiaryEntry& entry, int depth)
     text += char(entry.get_entrytype());
     text += ' ';
     text += entry.get_summary();
+    // Appointments and notes stand at a time; tasks have a due date.
+    const int type = entry.get_entrytype();
+    const ZBDate& at = entry.get_time().calc.m_start;
+    if ((type == 'A' || type == 'J') && at.is_ok()) {
+        text += "  at ";
+        text += at.to_string("%Y-%m-%d %H:%M");
+    }
     const ZBDate& due = entry.get_due().calc;
     if (due.is_ok()) {
         text += "  due ";

@@ -380,3 +380,14 @@ TEST_F(EntryCommands, TreeShowsDuesPushedDownFromParents)
     EXPECT_EQ(disk->entry(late)->get_due().orig, at("9-Mar-2026 09:00"));
     EXPECT_TRUE(disk->entry(open)->get_due().orig.is_blank());
 }
+
+TEST_F(EntryCommands, TreeShowsWhenAppointmentsAndNotesStand)
+{
+    const std::string meeting = add({"--type", "A", "--title", "Meeting", "--start", "4-Mar-2026 14:30", "--duration", "1:00"});
+    const std::string note = add({"--type", "J", "--title", "Note", "--start", "+1 day 9:00"});
+    const std::string task = add({"--type", "T", "--title", "Task"});
+    const std::string text = tree();
+    EXPECT_NE(text.find(meeting + " A Meeting  at 2026-03-04 14:30  0%\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(note + " J Note  at 2026-03-03 09:00  0%\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(task + " T Task  0%\n"), std::string::npos) << text;
+}
