@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include "bench/benchsupport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <fstream>
@@ -71,21 +73,9 @@ long rss_kb()
     return long(mallinfo2().uordblks / 1024);
 }
 
-QTemporaryDir& scratch()
-{
-    static QTemporaryDir dir;
-    return dir;
-}
-
-const std::string& bench_file()
-{
-    static std::string file = make_file(scratch());
-    return file;
-}
-
 void BM_Load100k(benchmark::State& state)
 {
-    const std::string& file = bench_file();
+    const std::string& file = bench_file<make_file>();
     const double fileKb = double(QFileInfo(QString::fromStdString(file)).size()) / 1024.0;
     double held = 0.0;
     for (auto _ : state) {
@@ -106,7 +96,7 @@ BENCHMARK(BM_Load100k)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_FullWrite100k(benchmark::State& state)
 {
-    const std::string& file = bench_file();
+    const std::string& file = bench_file<make_file>();
     ZBDatabase db;
     db.load(file, false);
     for (auto _ : state) {

@@ -9,6 +9,8 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
+#include "bench/benchsupport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -60,21 +62,9 @@ std::string make_file(const QTemporaryDir& dir)
     return file;
 }
 
-QTemporaryDir& scratch()
-{
-    static QTemporaryDir dir;
-    return dir;
-}
-
-const std::string& bench_file()
-{
-    static std::string file = make_file(scratch());
-    return file;
-}
-
 void BM_DiaryLoad10k(benchmark::State& state)
 {
-    const std::string& file = bench_file();
+    const std::string& file = bench_file<make_file>();
     for (auto _ : state) {
         std::unique_ptr<Diary> diary(new Diary());
         if (iszbwarn(diary->read(file)))
@@ -89,7 +79,7 @@ BENCHMARK(BM_DiaryLoad10k)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_DiaryTreeCommand10k(benchmark::State& state)
 {
-    const std::string& file = bench_file();
+    const std::string& file = bench_file<make_file>();
     size_t length = 0;
     for (auto _ : state) {
         std::ostringstream out;
@@ -105,7 +95,7 @@ BENCHMARK(BM_DiaryTreeCommand10k)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_DiarySave10k(benchmark::State& state)
 {
-    const std::string& file = bench_file();
+    const std::string& file = bench_file<make_file>();
     Diary diary;
     if (iszbwarn(diary.load(file, false)))
         state.SkipWithError("load failed");

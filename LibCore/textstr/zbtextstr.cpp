@@ -722,8 +722,10 @@ bool number_span(const std::string& text, const char*& first, const char*& last)
     return start < end;
 }
 
+// The whole text (blanks around it aside) must be the number. from_chars
+// ignores the process locale, so "1.5" reads the same everywhere.
 template <typename T>
-T read_integer(const std::string& text, T defaultValue, bool* ok)
+T read_number(const std::string& text, T defaultValue, bool* ok)
 {
     const char* first = nullptr;
     const char* last = nullptr;
@@ -742,28 +744,17 @@ T read_integer(const std::string& text, T defaultValue, bool* ok)
 
 int zb_string_to_int(const std::string& text, int defaultValue, bool* ok)
 {
-    return read_integer<int>(text, defaultValue, ok);
+    return read_number<int>(text, defaultValue, ok);
 }
 
 long long zb_string_to_long(const std::string& text, long long defaultValue, bool* ok)
 {
-    return read_integer<long long>(text, defaultValue, ok);
+    return read_number<long long>(text, defaultValue, ok);
 }
 
 double zb_string_to_double(const std::string& text, double defaultValue, bool* ok)
 {
-    // from_chars ignores the process locale, so "1.5" reads the same everywhere.
-    const char* first = nullptr;
-    const char* last = nullptr;
-    double value = defaultValue;
-    bool good = number_span(text, first, last);
-    if (good) {
-        auto result = std::from_chars(first, last, value);
-        good = result.ec == std::errc() && result.ptr == last;
-    }
-    if (ok)
-        *ok = good;
-    return good ? value : defaultValue;
+    return read_number<double>(text, defaultValue, ok);
 }
 
 bool zb_string_to_bool(const std::string& text, bool defaultValue, bool* ok)

@@ -85,6 +85,16 @@ protected:
         diary.person().set_contacturl("https://example.org/$<FullName>");
     }
 
+    // A diary file holding one record of every kind.
+    void write_filled(const std::string& path)
+    {
+        ZBDiary diary;
+        ASSERT_FALSE(iszbwarn(diary.load(path, true)));
+        fill(diary);
+        ASSERT_FALSE(HasFatalFailure());
+        ASSERT_FALSE(iszbwarn(diary.save(true, true, false)));
+    }
+
     std::string dir;
 };
 
@@ -146,13 +156,8 @@ TEST_F(RecordsFile, RecordsSurviveSaveAndLoadByteForByte)
 TEST_F(RecordsFile, FieldsOfANewerVersionAreKeptAndWrittenBack)
 {
     const std::string path = dir + "/newer.zbd";
-    {
-        ZBDiary diary;
-        ASSERT_FALSE(iszbwarn(diary.load(path, true)));
-        fill(diary);
-        ASSERT_FALSE(HasFatalFailure());
-        ASSERT_FALSE(iszbwarn(diary.save(true, true, false)));
-    }
+    write_filled(path);
+    ASSERT_FALSE(HasFatalFailure());
     std::string text = Tervalon::Test::read_file(path);
     const size_t at = text.find("{ZBDPerson\n");
     ASSERT_NE(at, std::string::npos);
@@ -173,13 +178,8 @@ TEST_F(RecordsFile, FieldsOfANewerVersionAreKeptAndWrittenBack)
 TEST_F(RecordsFile, AnUnknownRecordTypeIsRefusedAndTheFileLeftAlone)
 {
     const std::string path = dir + "/unknown.zbd";
-    {
-        ZBDiary diary;
-        ASSERT_FALSE(iszbwarn(diary.load(path, true)));
-        fill(diary);
-        ASSERT_FALSE(HasFatalFailure());
-        ASSERT_FALSE(iszbwarn(diary.save(true, true, false)));
-    }
+    write_filled(path);
+    ASSERT_FALSE(HasFatalFailure());
     std::string text = Tervalon::Test::read_file(path);
     const size_t at = text.find("{ZBDJournal\n");
     ASSERT_NE(at, std::string::npos);
@@ -196,13 +196,8 @@ TEST_F(RecordsFile, AnUnknownRecordTypeIsRefusedAndTheFileLeftAlone)
 TEST_F(RecordsFile, ADamagedFieldReadsAsItsDefaultAndTheRestSurvives)
 {
     const std::string path = dir + "/damaged.zbd";
-    {
-        ZBDiary diary;
-        ASSERT_FALSE(iszbwarn(diary.load(path, true)));
-        fill(diary);
-        ASSERT_FALSE(HasFatalFailure());
-        ASSERT_FALSE(iszbwarn(diary.save(true, true, false)));
-    }
+    write_filled(path);
+    ASSERT_FALSE(HasFatalFailure());
     std::string text = Tervalon::Test::read_file(path);
     const size_t at = text.find("!Pr!");
     ASSERT_NE(at, std::string::npos);
@@ -226,13 +221,8 @@ TEST_F(RecordsFile, ADamagedFieldReadsAsItsDefaultAndTheRestSurvives)
 TEST_F(RecordsFile, AnEntryWhoseParentIsMissingStaysInTheFile)
 {
     const std::string path = dir + "/orphan.zbd";
-    {
-        ZBDiary diary;
-        ASSERT_FALSE(iszbwarn(diary.load(path, true)));
-        fill(diary);
-        ASSERT_FALSE(HasFatalFailure());
-        ASSERT_FALSE(iszbwarn(diary.save(true, true, false)));
-    }
+    write_filled(path);
+    ASSERT_FALSE(HasFatalFailure());
     std::string text = Tervalon::Test::read_file(path);
     // The event hangs on Ann; Ann's record is cut out of the file.
     const size_t start = text.find("{ZBDPerson\n");
