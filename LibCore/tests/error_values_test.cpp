@@ -1,6 +1,8 @@
 #include "LibCore/error/zberror.h"
 #include "LibCore/error/zberrhandler.h"
 
+#include "tests/support/testsupport.h"
+
 #include <gtest/gtest.h>
 
 using namespace Tervalon;
@@ -8,15 +10,7 @@ using namespace Tervalon;
 namespace {
 
 // Each test starts with a fresh, quiet error state.
-class ErrorValues : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        set_zberror(new ZBError());
-        get_zberror().set_stream(nullptr, ZBErrSev_All);
-    }
-    void TearDown() override { set_zberror(new ZBError()); }
-};
+class ErrorValues : public Tervalon::Test::QuietErrors {};
 
 } // namespace
 

@@ -13,15 +13,7 @@ using namespace Tervalon;
 
 namespace {
 
-class PathsAndUnits : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        set_zberror(new ZBError());
-        get_zberror().set_stream(nullptr, ZBErrSev_All);
-    }
-    void TearDown() override { set_zberror(new ZBError()); }
-};
+class PathsAndUnits : public Tervalon::Test::QuietErrors {};
 
 } // namespace
 

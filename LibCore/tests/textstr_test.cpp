@@ -3,6 +3,8 @@
 #include "LibCore/textstr/zbtagvalue.h"
 #include "LibCore/textstr/zbtextstr.h"
 
+#include "tests/support/testsupport.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -12,15 +14,7 @@ using namespace Tervalon;
 
 namespace {
 
-class TextHelpers : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        set_zberror(new ZBError());
-        get_zberror().set_stream(nullptr, ZBErrSev_All);
-    }
-    void TearDown() override { set_zberror(new ZBError()); }
-};
+class TextHelpers : public Tervalon::Test::QuietErrors {};
 
 } // namespace
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "LibCore/error/zberror.h"
+
+#include <gtest/gtest.h>
+
 #include <string>
 
 namespace Tervalon {
@@ -13,6 +17,17 @@ std::string make_temp_dir(const std::string& name);
 std::string read_file(const std::string& path);
 void write_file(const std::string& path, const std::string& text);
 bool file_exists(const std::string& path);
+
+// A fixture whose tests each start with a fresh error state that prints nothing.
+class QuietErrors : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        set_zberror(new ZBError());
+        get_zberror().set_stream(nullptr, ZBErrSev_All);
+    }
+    void TearDown() override { set_zberror(new ZBError()); }
+};
 
 } // namespace Test
 } // namespace Tervalon
