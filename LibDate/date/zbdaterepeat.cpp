@@ -1,11 +1,13 @@
 #include "LibDate/date/zbdaterepeat.h"
 #include "LibDate/date/zbdatedetails.h"
+#include "LibDate/date/zbdateparser.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zblocale.h"
 #include "LibCore/textstr/zbtextstr.h"
 #include "LibObject/object/zbdump.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <deque>
 #include <ostream>
@@ -21,12 +23,13 @@ namespace {
 
 const ZBObjectPreReg g_register("ZBDateRepeat", &ZBDateRepeat::create_zbobject);
 
-// Periods a step may look ahead for a candidate before the rule counts as stuck.
-const int C_MaxPeriods = 60;
-// Tries of an "only on work days" rule before the series ends.
+// Rounds of an "only on work days" step before the series ends, as many as
+// a date expression allows itself.
 const int C_MaxWorkTries = 1000;
-const int C_MaxWorkDays = 10000;
 const int C_ExcludeKeepDays = 30;
+// The longest step a rule may take: from year 1 it must still land before
+// year 9998, the first year that is not a date.
+const int C_MaxYears = 9996;
 
 ZBDateDetails details_of(const ZBDate& date)
 {
@@ -38,13 +41,44 @@ ZBDate date_of(ZBDateDetails details)
     return details.get_date(ZBDate::C_OriginalTime);
 }
 
-void set_clock(ZBDateDetails& details, const ZBDuration& at)
+bool same_moment(const ZBDate& a, const ZBDate& b)
 {
-    std::int64_t seconds = at.get_as_seconds();
-    details.m_hour = int(seconds / 3600);
-    details.m_minute = int(seconds / 60 % 60);
-    details.m_second = int(seconds % 60);
-    details.m_micro = at.get_micro();
+    return !(a < b) && !(b < a);
+}
+
+// The terms that set the clock to a time of day.
+void add_clock(std::vector<ZBDateExpTerm>& terms, const ZBDuration& at)
+{
+    std::int64_t seconds = at.get_as_seconds() % ZBDate::C_DaySecs;
+    terms.emplace_back(ZBDateExpTerm::SetHour, int(seconds / 3600));
+    terms.emplace_back(ZBDateExpTerm::SetMinute, int(seconds / 60 % 60));
+    terms.emplace_back(ZBDateExpTerm::SetSecond, int(seconds % 60));
+    terms.emplace_back(ZBDateExpTerm::SetMicro, int(at.get_micro()));
+}
+
+// A time of day in the locale's own clock form ("17:00", "05:00 PM").
+std::string time_text(const ZBDuration& at)
+{
+    std::int64_t seconds = std::max<std::int64_t>(0, at.get_as_seconds()) % ZBDate::C_DaySecs;
+    ZBDate moment(2000, 0, 0, int(seconds / 3600), int(seconds / 60 % 60), int(seconds % 60), int(at.get_micro()),
+                  ZBDate::C_GMT);
+    return moment.to_string("%t%N");
+}
+
+// The locale's short or long name of a weekday or month: of its two names
+// the shorter is the short one.
+std::string weekday_word(int day, bool longForm)
+{
+    std::string a = zblocale().weekday_name(day, false);
+    std::string b = zblocale().weekday_name(day, true);
+    return (a.size() < b.size()) == longForm ? b : a;
+}
+
+std::string month_word(int month, bool longForm)
+{
+    std::string a = zblocale().month_name(month, false);
+    std::string b = zblocale().month_name(month, true);
+    return (a.size() < b.size()) == longForm ? b : a;
 }
 
 std::string ordinal(int n)
@@ -147,7 +181,8 @@ bool unquote(const std::string& value, std::string& out)
 
 ZBDateRepeat::ZBDateRepeat()
     : m_type(E_None), m_interval(1), m_work(C_DefaultWork), m_offset(C_OffsetLast), m_begin(ZBDate::E_Blank),
-      m_end(ZBDate::E_Blank), m_capabilities(0), m_fixed(0), m_state(0)
+      m_end(ZBDate::E_Blank), m_capabilities(0), m_fixed(0), m_state(0), m_tail(0), m_usesWork(false),
+      m_offsetWork(-1)
 {
     ZBDateRepeat::register_zbobject();
 }
@@ -178,10 +213,8 @@ ZBDateRepeat& ZBDateRepeat::operator=(const ZBDateRepeat& other)
     m_offsetExp = other.m_offsetExp;
     m_capabilities = other.m_capabilities;
     m_fixed = other.m_fixed;
-    // A copy is a new rule: it generates its own instances.
-    m_slots.clear();
-    m_backSlots.clear();
-    m_state = 0;
+    // A copy is a new rule: it compiles and generates its own instances.
+    invalidate();
     return *this;
 }
 
@@ -190,6 +223,15 @@ void ZBDateRepeat::load_slots(const ZBDateRepeat& other)
     *this = other;
     m_slots = other.m_slots;
     m_backSlots = other.m_backSlots;
+    if (other.m_state > 0) {
+        m_expr = other.m_expr;
+        m_offsetExpr = other.m_offsetExpr;
+        m_choices = other.m_choices;
+        m_tail = other.m_tail;
+        m_usesWork = other.m_usesWork;
+        m_exprWorkTag = other.m_exprWorkTag;
+        m_offsetWork = other.m_offsetWork;
+    }
     m_state = other.m_state;
 }
 
@@ -216,9 +258,13 @@ void ZBDateRepeat::dump(std::ostream& out, int indent) const
     writer.add("m_offset", m_offset);
     writer.add("m_begin", m_begin.to_iso());
     writer.add("m_end", m_end.to_iso());
-    writer.add("m_exclude", get_exclude_string());
+    writer.add("m_exclude", exclude_storage_string());
     writer.add("m_exp", m_exp);
     writer.add("m_offsetExp", m_offsetExp);
+    if (m_state > 0) {
+        writer.add("m_expr", m_expr.to_string());
+        writer.add("m_offsetExpr", m_offsetExpr.to_string());
+    }
     writer.add("m_slots.size()", int(m_slots.size()));
     writer.add("m_backSlots.size()", int(m_backSlots.size()));
     writer.add("m_capabilities", m_capabilities);
@@ -272,6 +318,31 @@ void ZBDateRepeat::invalidate()
     m_slots.clear();
     m_backSlots.clear();
     m_state = 0;
+    m_expr.set_defaults();
+    m_offsetExpr.set_defaults();
+    m_choices.clear();
+    m_tail = 0;
+    m_usesWork = false;
+    m_exprWorkTag.clear();
+    m_offsetWork = -1;
+}
+
+int ZBDateRepeat::max_interval(int type)
+{
+    switch (type) {
+    case E_Seconds:
+        return INT_MAX;
+    case E_Days:
+        return C_MaxYears * 365;
+    case E_Weeks:
+        return C_MaxYears * 52;
+    case E_Months:
+        return C_MaxYears * 12;
+    case E_Years:
+        return C_MaxYears;
+    default:
+        return 0;
+    }
 }
 
 int ZBDateRepeat::set_type(E_RepeatType type)
@@ -288,6 +359,10 @@ int ZBDateRepeat::set_type_int(int type)
     m_type = type;
     if (m_type == E_Expression)
         m_offset = C_OffsetExpression;
+    // A form that switches a long daily rule to years keeps the longest
+    // interval the new unit allows.
+    if (uses_interval())
+        m_interval = std::min(m_interval, max_interval(m_type));
     invalidate();
     return ZBErrC_ok;
 }
@@ -296,6 +371,9 @@ int ZBDateRepeat::set_interval(int interval)
 {
     if (interval < 1)
         return zbwarning(ZBErrC_InvalidValue, ZBLOC, "A repeat interval must be at least 1, not %d.", interval);
+    if (uses_interval() && interval > max_interval(m_type))
+        return zbwarning(ZBErrC_InvalidValue, ZBLOC, "Every %d %ss cannot give a date before the year 9998.", interval,
+                         get_interval_unit().c_str());
     m_interval = interval;
     invalidate();
     return ZBErrC_ok;
@@ -305,7 +383,8 @@ void ZBDateRepeat::adjust_interval(int n)
 {
     if (m_type < E_Days || m_type > E_Years)
         return;
-    m_interval = std::max(1, m_interval + n);
+    std::int64_t interval = std::int64_t(m_interval) + n;
+    m_interval = int(std::max<std::int64_t>(1, std::min<std::int64_t>(interval, max_interval(m_type))));
     invalidate();
 }
 
@@ -323,7 +402,9 @@ bool ZBDateRepeat::valid_day(int type, int day)
         int b = 0;
         if (from_yearday(day, a, b))
             return a >= 0 && a <= 6 && b >= 0 && b <= 52;
-        return day >= 100 && a >= 0 && a <= 30 && b >= 0 && b <= 11;
+        // Past the month's length the day counts on into the months after:
+        // day 60 in January is 1 March, or 29 February in a leap year.
+        return day >= 100 && a >= 0 && a <= 199 && b >= 0 && b <= 11;
     }
     default:
         return true;
@@ -553,6 +634,16 @@ bool ZBDateRepeat::is_excluded(const ZBDate& date) const
 std::string ZBDateRepeat::get_exclude_string() const
 {
     std::vector<std::string> parts;
+    for (int i = 0; i < m_exclude.size(); ++i) {
+        const ZBDateSetEntry* entry = m_exclude[i];
+        parts.push_back(entry->m_start.to_string("%D") + "-" + entry->m_end.to_string("%D"));
+    }
+    return join(parts, ",");
+}
+
+std::string ZBDateRepeat::exclude_storage_string() const
+{
+    std::vector<std::string> parts;
     for (int i = 0; i < m_exclude.size(); ++i)
         parts.push_back(m_exclude[i]->to_compact_string());
     return join(parts, ",");
@@ -588,6 +679,8 @@ int ZBDateRepeat::sanity_check(const ZBRepeatConfig*)
         m_offset = C_OffsetExpression;
     if (m_interval < 1)
         m_interval = 1;
+    if (uses_interval())
+        m_interval = std::min(m_interval, max_interval(m_type));
     if (m_begin.is_ok() && m_end.is_ok() && m_end < m_begin)
         return zbwarning(ZBErrC_InvalidValue, ZBLOC, "The end of a repeat cannot come before its start.");
     return ZBErrC_ok;
@@ -607,162 +700,307 @@ bool ZBDateRepeat::is_workday(const ZBDate& date, const ZBRepeatConfig* config) 
     return config ? config->is_workday(details, work_tag()) : ZBDateDetails::is_workday(details);
 }
 
-ZBDate ZBDateRepeat::step_period(const ZBDate& date) const
+bool ZBDateRepeat::workday_ahead(const ZBDate& date, const ZBRepeatConfig* config, const std::string& tag) const
 {
-    ZBDateDetails p = details_of(date);
-    int keepDay = p.m_dayMonth;
-    switch (m_type) {
-    case E_Days:
-        p.m_dayMonth += m_interval;
-        break;
-    case E_Weeks:
-        p.m_dayMonth += 7 * m_interval;
-        break;
-    case E_Months:
-    case E_Years:
-        // Into the first day of the new month first, so the old day of month
-        // cannot carry the step into the month after.
-        p.m_dayMonth = 0;
-        if (m_type == E_Months)
-            p.m_month += m_interval;
-        else
-            p.m_year += m_interval;
-        p.recalculate();
-        p.m_dayMonth = std::min(keepDay, ZBDateUtils::days_in_month(p.m_month, p.m_year) - 1);
-        break;
-    default:
-        break;
+    ZBDateDetails d = details_of(date);
+    for (int i = 0; i < C_WorkPeriodDays; ++i) {
+        if (config ? config->is_workday(d, tag) : ZBDateDetails::is_workday(d))
+            return true;
+        d.m_dayMonth += 1;
+        d.recalculate();
     }
-    p.recalculate();
-    return date_of(p);
+    return false;
 }
 
-ZBDate ZBDateRepeat::step_once(const ZBDate& date, const ZBRepeatConfig* config) const
+namespace {
+
+// The terms that put a date on one listed day of its week, month or year.
+std::vector<ZBDateExpTerm> day_terms(int type, int code)
 {
+    std::vector<ZBDateExpTerm> terms;
+    if (type == ZBDateRepeat::E_Weeks) {
+        terms.emplace_back(ZBDateExpTerm::SetWeekday, code);
+    } else if (type == ZBDateRepeat::E_Months) {
+        if (code >= 40) {
+            int week = 0;
+            int weekday = 0;
+            ZBDateRepeat::from_weekday_of_month(code, week, weekday);
+            terms.emplace_back(ZBDateExpTerm::SetWeekday, ZBDateExpTerm::encode_weekday_month(week, weekday));
+        } else {
+            // A negative day counts from the month's end.
+            terms.emplace_back(ZBDateExpTerm::SetDay, code);
+        }
+    } else if (type == ZBDateRepeat::E_Years) {
+        int a = 0;
+        int b = 0;
+        if (ZBDateRepeat::from_yearday(code, a, b)) {
+            terms.emplace_back(ZBDateExpTerm::SetMonth, 0);
+            terms.emplace_back(ZBDateExpTerm::SetDay, 0);
+            terms.emplace_back(ZBDateExpTerm::SetWeek, b);
+            terms.emplace_back(ZBDateExpTerm::SetWeekday, a);
+        } else {
+            terms.emplace_back(ZBDateExpTerm::SetMonth, b);
+            terms.emplace_back(ZBDateExpTerm::SetDay, a);
+        }
+    }
+    return terms;
+}
+
+// A date no calendar field can reach past: year 9998 and on are not dates.
+bool is_real(const ZBDate& date)
+{
+    return date.is_ok() && date.get_year() < ZBDate::C_InvalidDateYear;
+}
+
+} // namespace
+
+void ZBDateRepeat::add_choice(const std::vector<ZBDateExpTerm>& terms, bool samePeriod) const
+{
+    m_expr.add_term(m_choices.empty() ? ZBDateExpTerm::Open : ZBDateExpTerm::Or, 0);
+    Choice choice;
+    choice.m_first = m_expr.size();
+    for (const ZBDateExpTerm& term : terms)
+        m_expr.add_term(term.m_type, term.m_value, term.m_tag);
+    choice.m_last = m_expr.size() - 1;
+    choice.m_samePeriod = samePeriod;
+    m_choices.push_back(choice);
+}
+
+void ZBDateRepeat::populate_expressions(const ZBRepeatConfig*) const
+{
+    m_expr.set_defaults();
+    m_offsetExpr.set_defaults();
+    m_choices.clear();
+    m_tail = 0;
+    m_usesWork = false;
+    m_exprWorkTag.clear();
+    m_offsetWork = -1;
+    compile();
+    if (m_state == 0)
+        m_state = 1;
+}
+
+const ZBDateExp& ZBDateRepeat::get_expression() const
+{
+    if (m_state == 0)
+        populate_expressions(nullptr);
+    return m_expr;
+}
+
+const ZBDateExp& ZBDateRepeat::get_offset_expression() const
+{
+    if (m_state == 0)
+        populate_expressions(nullptr);
+    return m_offsetExpr;
+}
+
+void ZBDateRepeat::compile() const
+{
+    const int n = std::max(1, std::min(m_interval, max_interval(m_type)));
     switch (m_type) {
     case E_Seconds:
-        return date + ZBDuration(std::max(1, m_interval));
-    case E_Expression: {
-        ZBDate result;
-        if (m_exp.empty() || !result.from_string(m_exp, &date, config) || !(result > date))
-            return date;
-        return result;
-    }
-    case E_SetDates:
-        for (const ZBDate& candidate : m_set)
-            if (candidate > date)
-                return candidate;
-        return date;
+        m_expr.add_term(ZBDateExpTerm::AddSecond, n);
+        break;
     case E_Days:
     case E_Weeks:
     case E_Months:
-    case E_Years:
-        break;
-    default:
-        return date;
-    }
-    // The earliest candidate after date in date's own period; else in the
-    // period the interval leads to, and on from there.
-    ZBDate period = date;
-    for (int tries = 0; tries < C_MaxPeriods; ++tries) {
-        const ZBDateDetails base = details_of(period);
-        ZBDate best(ZBDate::E_Blank);
-        std::vector<int> codes = m_days;
-        if (codes.empty() || m_type == E_Days)
-            codes.assign(1, INT32_MIN);
-        for (int code : codes) {
-            ZBDateDetails d = base;
-            if (code != INT32_MIN) {
-                if (m_type == E_Weeks) {
-                    d.set_weekday(code, d.m_dayMonth, d.m_month, d.m_year);
-                } else if (m_type == E_Months) {
-                    if (code >= 40) {
-                        int week = 0;
-                        int weekday = 0;
-                        from_weekday_of_month(code, week, weekday);
-                        d.set_weekday_no(weekday, week, d.m_month, d.m_year);
-                    } else if (code < 0) {
-                        d.m_dayMonth = ZBDateUtils::days_in_month(d.m_month, d.m_year) + code;
-                    } else {
-                        d.m_dayMonth = code;
-                    }
-                } else {
-                    int a = 0;
-                    int b = 0;
-                    if (from_yearday(code, a, b)) {
-                        d.m_month = 0;
-                        d.m_dayMonth = 7 * b;
-                        d.recalculate();
-                        d.set_weekday(a, d.m_dayMonth, d.m_month, d.m_year);
-                    } else {
-                        d.m_month = b;
-                        d.m_dayMonth = a;
-                    }
-                }
-            }
-            if (m_at.empty()) {
-                ZBDate candidate = date_of(d);
-                if (candidate > date && candidate < best)
-                    best = candidate;
+    case E_Years: {
+        // Each listed day, in this period and in the one the interval leads
+        // to, at each time of day; the step takes the earliest that is later.
+        std::vector<std::vector<ZBDateExpTerm>> days;
+        if (m_type != E_Days)
+            for (int code : m_days)
+                days.push_back(day_terms(m_type, code));
+        const bool keepDay = days.empty();
+        if (keepDay)
+            days.emplace_back();
+        std::vector<ZBDateExpTerm> step;
+        if (m_type == E_Days) {
+            step.emplace_back(ZBDateExpTerm::AddDay, n);
+        } else if (m_type == E_Weeks) {
+            step.emplace_back(ZBDateExpTerm::AddDay, 7 * n);
+        } else if (keepDay) {
+            // The day is kept, or clipped to a shorter month's end.
+            step.emplace_back(ZBDateExpTerm::AddMonth, m_type == E_Months ? n : 12 * n);
+        } else {
+            // From the period's first day, so that a long day of month cannot
+            // carry the step into the month after.
+            step.emplace_back(ZBDateExpTerm::SetDay, 0);
+            if (m_type == E_Months) {
+                step.emplace_back(ZBDateExpTerm::AddMonth, n);
             } else {
+                step.emplace_back(ZBDateExpTerm::SetMonth, 0);
+                step.emplace_back(ZBDateExpTerm::AddYear, n);
+            }
+        }
+        for (int same = 1; same >= 0; --same) {
+            for (const std::vector<ZBDateExpTerm>& day : days) {
+                std::vector<ZBDateExpTerm> terms = same ? std::vector<ZBDateExpTerm>() : step;
+                terms.insert(terms.end(), day.begin(), day.end());
+                if (m_at.empty()) {
+                    add_choice(terms, same != 0);
+                    continue;
+                }
                 for (const ZBDuration& at : m_at) {
-                    ZBDateDetails timed = d;
-                    set_clock(timed, at);
-                    ZBDate candidate = date_of(timed);
-                    if (candidate > date && candidate < best)
-                        best = candidate;
+                    std::vector<ZBDateExpTerm> timed = terms;
+                    add_clock(timed, at);
+                    add_choice(timed, same != 0);
                 }
             }
         }
-        if (best.is_ok())
-            return best;
-        ZBDate nextPeriod = step_period(period);
-        if (!(nextPeriod > period))
+        m_expr.add_term(ZBDateExpTerm::Close, 0);
+        break;
+    }
+    case E_Expression:
+        m_expr = ZBDateParser::parse_date(m_exp);
+        break;
+    default:
+        // Set dates are looked up in m_set; the other types do not step.
+        break;
+    }
+    m_tail = m_expr.size();
+
+    E_WorkdayType work = E_WorkNone;
+    int id = -1;
+    get_workday(work, id);
+    const std::string tag = work_tag();
+    if (uses_offset()) {
+        if (work == E_WorkNext)
+            m_expr.add_term(ZBDateExpTerm::WorkDay, 0, tag);
+        else if (work == E_WorkOnly)
+            m_expr.add_term(ZBDateExpTerm::Fixed, 0, tag);
+    }
+    for (int i = 0; i < m_expr.size(); ++i) {
+        const ZBDateExpTerm& term = m_expr.get_term(i);
+        if (term.m_type == ZBDateExpTerm::WorkDay || term.m_type == ZBDateExpTerm::Fixed) {
+            m_usesWork = true;
+            m_exprWorkTag = term.m_tag;
             break;
-        period = nextPeriod;
+        }
+    }
+
+    ZBDuration duration;
+    int days = 0;
+    const int kind = get_offset_details(duration, days);
+    if (kind == E_OffExpression) {
+        if (!m_offsetExp.empty())
+            m_offsetExpr = ZBDateParser::parse_date(m_offsetExp);
+    } else if (kind == E_OffDuration) {
+        std::int64_t seconds = duration.get_as_seconds();
+        if (seconds > INT_MAX) {
+            m_offsetExpr.add_term(ZBDateExpTerm::AddDay,
+                                  int(std::min<std::int64_t>(seconds / ZBDate::C_DaySecs, INT_MAX)));
+            seconds %= ZBDate::C_DaySecs;
+        }
+        m_offsetExpr.add_term(ZBDateExpTerm::AddSecond, int(seconds));
+    } else if (kind == E_OffTime) {
+        std::vector<ZBDateExpTerm> terms;
+        if (days != 0)
+            terms.emplace_back(ZBDateExpTerm::AddDay, days);
+        add_clock(terms, duration);
+        for (const ZBDateExpTerm& term : terms)
+            m_offsetExpr.add_term(term.m_type, term.m_value);
+    }
+    if (work == E_WorkAvailable && (kind == E_OffExpression || kind == E_OffDuration || kind == E_OffTime)) {
+        m_offsetWork = m_offsetExpr.size();
+        m_offsetExpr.add_term(ZBDateExpTerm::WorkDay, 0, tag);
+    }
+}
+
+ZBDate ZBDateRepeat::earliest_choice(const ZBDate& date, const ZBRepeatConfig* config) const
+{
+    // Blank sorts after every date, so it stands for "none yet".
+    ZBDate best(ZBDate::E_Blank);
+    const ZBDateDetails details = details_of(date);
+    for (const Choice& choice : m_choices) {
+        ZBDate candidate = m_expr.evaluate(details, config, choice.m_first, choice.m_last);
+        if (is_real(candidate) && date < candidate && candidate < best)
+            best = candidate;
+    }
+    return best;
+}
+
+bool ZBDateRepeat::on_rule(const ZBDate& date, const ZBRepeatConfig* config) const
+{
+    if (m_state == 0)
+        populate_expressions(config);
+    bool matches = m_type == E_Seconds;
+    if (m_type >= E_Days && m_type <= E_Years) {
+        const ZBDateDetails details = details_of(date);
+        for (const Choice& choice : m_choices) {
+            if (choice.m_samePeriod
+                && same_moment(m_expr.evaluate(details, config, choice.m_first, choice.m_last), date)) {
+                matches = true;
+                break;
+            }
+        }
+    }
+    E_WorkdayType work = E_WorkNone;
+    int id = -1;
+    get_workday(work, id);
+    if (matches && (work == E_WorkNext || work == E_WorkOnly))
+        matches = is_workday(date, config);
+    return matches;
+}
+
+ZBDate ZBDateRepeat::apply_expression(const ZBDate& date, const ZBRepeatConfig* config) const
+{
+    if (m_state == 0)
+        populate_expressions(config);
+    // A calendar with no work day in a whole period would send a work-day
+    // step round its limits (thousands of days, a thousand times over).
+    if (m_usesWork && !workday_ahead(date, config, m_exprWorkTag))
+        return date;
+    if (m_type == E_Seconds || m_type == E_Expression) {
+        ZBDate result = m_expr.apply(date, config);
+        return is_real(result) ? result : date;
+    }
+    if (m_type < E_Days || m_type > E_SetDates)
+        return date;
+    ZBDate current = date;
+    for (int round = 0; round < C_MaxWorkTries; ++round) {
+        ZBDate next;
+        if (m_type == E_SetDates) {
+            auto found = std::upper_bound(m_set.begin(), m_set.end(), current,
+                                          [](const ZBDate& a, const ZBDate& b) { return a < b; });
+            next = found == m_set.end() ? ZBDate(ZBDate::E_Blank) : *found;
+        } else {
+            next = earliest_choice(current, config);
+        }
+        if (!is_real(next) || !(current < next))
+            return date;
+        // The work-day terms; Fixed on a day off sends the step round again
+        // from the instance it refused.
+        ZBDateDetails details = details_of(next);
+        bool again = false;
+        for (int i = m_tail; i < m_expr.size() && !again; ++i) {
+            int outcome = ZBDateExpTerm::E_Date;
+            int result = m_expr.get_term(i).apply(details, config, outcome);
+            if (outcome != ZBDateExpTerm::E_Date || iszbwarn(result))
+                return date;
+            again = result == ZBErrC_okNotFinished;
+        }
+        current = date_of(details);
+        if (!again)
+            return is_real(current) ? current : date;
     }
     return date;
 }
 
-ZBDate ZBDateRepeat::step(const ZBDate& date, const ZBRepeatConfig* config) const
-{
-    ZBDate result = step_once(date, config);
-    if (!result.is_ok() || !(result > date))
-        return date;
-    E_WorkdayType work = E_WorkNone;
-    int id = -1;
-    get_workday(work, id);
-    if (work == E_WorkNext) {
-        ZBDateDetails d = details_of(result);
-        for (int i = 0; i < C_MaxWorkDays && !is_workday(date_of(d), config); ++i) {
-            d.m_dayMonth += 1;
-            d.recalculate();
-        }
-        result = date_of(d);
-    } else if (work == E_WorkOnly) {
-        int tries = 0;
-        while (!is_workday(result, config)) {
-            ZBDate further = step_once(result, config);
-            if (++tries > C_MaxWorkTries || !(further > result))
-                return date;
-            result = further;
-        }
-    }
-    return result;
-}
-
 ZBDate ZBDateRepeat::next_date(const ZBDate& date, const ZBRepeatConfig* config) const
 {
-    if (m_type == E_None || m_type == E_Choice)
+    if (m_type == E_None)
         return ZBDate(ZBDate::E_Blank);
-    ZBDate result = step(date, config);
-    for (int i = 0; i < C_MaxSteps && result > date && is_excluded(result); ++i) {
-        ZBDate further = step(result, config);
-        if (!(further > result))
+    if (m_state == 0)
+        populate_expressions(config);
+    ZBDate result = apply_expression(date, config);
+    for (int i = 0; i < C_MaxSteps && is_real(result) && date < result && is_excluded(result); ++i) {
+        ZBDate further = apply_expression(result, config);
+        if (!is_real(further) || !(result < further))
             return date;
         result = further;
     }
-    if (is_excluded(result))
+    if (!is_real(result) || !(date < result) || is_excluded(result))
         return date;
     return result;
 }
@@ -770,47 +1008,41 @@ ZBDate ZBDateRepeat::next_date(const ZBDate& date, const ZBRepeatConfig* config)
 ZBDateSlot ZBDateRepeat::generate_slot(const ZBDate& last, const ZBDate& date, const ZBDate& next,
                                        const ZBRepeatConfig* config) const
 {
+    if (m_state == 0)
+        populate_expressions(config);
     ZBDuration duration;
     int days = 0;
     ZBDate end = date;
+    ZBDate from = date;
+    bool useExpression = false;
     switch (get_offset_details(duration, days)) {
     case E_OffBlank:
         break;
-    case E_OffExpression: {
-        ZBDate result;
-        if (!m_offsetExp.empty() && result.from_string(m_offsetExp, &date, config))
-            end = result;
-        break;
-    }
     case E_OffLast:
-        if (next.is_ok() && next > date)
+        if (is_real(next) && date < next)
             end = next;
-        else if (last.is_ok())
-            end = last;
+        break;
+    case E_OffExpression:
+        // Relative to "@TIME" the end is found from the instance itself;
+        // otherwise from the instance before it, as the series runs on.
+        useExpression = true;
+        if (m_offsetExpr.get_relative() != "TIME" && last.is_ok())
+            from = last;
         break;
     case E_OffDuration:
-        end = date + duration;
-        break;
-    case E_OffTime: {
-        ZBDateDetails d = details_of(date);
-        d.m_dayMonth += days;
-        set_clock(d, duration);
-        end = date_of(d);
+    case E_OffTime:
+        useExpression = true;
         break;
     }
+    if (useExpression && m_offsetExpr.size() > 0) {
+        int lastTerm = m_offsetExpr.size() - 1;
+        if (m_offsetWork >= 0 && !workday_ahead(from, config, work_tag()))
+            lastTerm = m_offsetWork - 1;
+        ZBDate result = m_offsetExpr.evaluate(details_of(from), config, 0, lastTerm);
+        if (is_real(result))
+            end = result;
     }
-    E_WorkdayType work = E_WorkNone;
-    int id = -1;
-    get_workday(work, id);
-    if (work == E_WorkAvailable && end.is_ok()) {
-        ZBDateDetails d = details_of(end);
-        for (int i = 0; i < C_MaxWorkDays && !is_workday(date_of(d), config); ++i) {
-            d.m_dayMonth += 1;
-            d.recalculate();
-        }
-        end = date_of(d);
-    }
-    if (!end.is_ok() || end < date)
+    if (!is_real(end) || end < date)
         end = date;
     return ZBDateSlot(date, end);
 }
@@ -821,6 +1053,8 @@ int ZBDateRepeat::generate_slots(const ZBDateSlot& seed, const ZBDateSlot& range
     out.clear();
     if (limit <= 0 || m_type == E_None || m_type == E_Choice)
         return ZBErrC_ok;
+    if (m_state == 0)
+        populate_expressions(config);
     ZBDate walk = range.m_start.is_ok() ? range.m_start : ZBDateUtils::now();
     if (seed.m_start.is_ok()) {
         out.push_back(seed);
@@ -829,13 +1063,13 @@ int ZBDateRepeat::generate_slots(const ZBDateSlot& seed, const ZBDateSlot& range
         const ZBDate& from = get_offset_details(duration, days) == E_OffBlank ? seed.m_end : seed.m_start;
         if (from.is_ok() && from > walk)
             walk = from;
-    } else if (m_begin.is_ok() && walk <= m_begin && m_type != E_SetDates && m_type != E_Expression) {
-        // A series begins with its first date.
+    } else if (m_begin.is_ok() && !(m_begin < walk)) {
+        // The series runs from its begin, which is an instance only when the
+        // rule itself lands there.
         walk = m_begin;
-        if (!is_excluded(walk) && (!range.m_end.is_ok() || walk <= range.m_end)) {
-            ZBDate following = next_date(walk, config);
-            out.push_back(generate_slot(ZBDate(), walk, following, config));
-        }
+        if (on_rule(m_begin, config) && !is_excluded(m_begin) && (!range.m_end.is_ok() || !(range.m_end < m_begin))
+            && (!m_end.is_ok() || !(m_end < m_begin)))
+            out.push_back(generate_slot(ZBDate(), m_begin, next_date(m_begin, config), config));
     }
     ZBDate next = next_date(walk, config);
     for (int steps = 0; steps < C_MaxSteps && int(out.size()) < limit; ++steps) {
@@ -853,7 +1087,6 @@ int ZBDateRepeat::generate_slots(const ZBDateSlot& seed, const ZBDateSlot& range
     }
     return ZBErrC_ok;
 }
-
 int ZBDateRepeat::generate_back_slots(const ZBDateSlot& seed, const ZBDateSlot& range, int limit,
                                       const ZBRepeatConfig* config, std::vector<ZBDateSlot>& out) const
 {
@@ -973,7 +1206,7 @@ std::vector<std::string> ZBDateRepeat::get_days_options(int type, bool longForm)
     std::vector<std::string> options;
     if (type == E_Weeks) {
         for (int d = 0; d < 7; ++d)
-            options.push_back(zblocale().weekday_name(d, longForm));
+            options.push_back(weekday_word(d, longForm));
     } else if (type == E_Months) {
         for (int d = 0; d < 31; ++d)
             options.push_back(ordinal(d + 1));
@@ -981,7 +1214,7 @@ std::vector<std::string> ZBDateRepeat::get_days_options(int type, bool longForm)
         options.push_back(ordinal(-2));
     } else if (type == E_Years) {
         for (int m = 0; m < 12; ++m)
-            options.push_back(zblocale().month_name(m, longForm));
+            options.push_back(month_word(m, longForm));
     }
     return options;
 }
@@ -1010,7 +1243,7 @@ std::string ZBDateRepeat::monthday_to_string(int day)
         int week = 0;
         int weekday = 0;
         from_weekday_of_month(day, week, weekday);
-        return (week == 5 ? std::string("last") : ordinal(week + 1)) + " " + zblocale().weekday_name(weekday, true);
+        return (week == 5 ? std::string("last") : ordinal(week + 1)) + " " + weekday_word(weekday, true);
     }
     return day < 0 ? ordinal(day) : ordinal(day + 1);
 }
@@ -1020,8 +1253,11 @@ std::string ZBDateRepeat::yearday_to_string(int day)
     int a = 0;
     int b = 0;
     if (from_yearday(day, a, b))
-        return zblocale().weekday_name(a, true) + " week " + std::to_string(b + 1);
-    return std::to_string(a + 1) + " " + zblocale().month_name(b, false);
+        return weekday_word(a, true) + " week " + std::to_string(b + 1);
+    // A day past any month's length counts on from the month's start.
+    if (a > 30)
+        return ordinal(a + 1) + " day in " + month_word(b, false);
+    return std::to_string(a + 1) + " " + month_word(b, false);
 }
 
 std::string ZBDateRepeat::get_days_str() const
@@ -1029,7 +1265,7 @@ std::string ZBDateRepeat::get_days_str() const
     std::vector<std::string> parts;
     for (int day : m_days) {
         if (m_type == E_Weeks)
-            parts.push_back(zblocale().weekday_name(day, false));
+            parts.push_back(weekday_word(day, false));
         else if (m_type == E_Months)
             parts.push_back(monthday_to_string(day));
         else if (m_type == E_Years)
@@ -1073,16 +1309,20 @@ std::string ZBDateRepeat::offset_to_natural() const
 {
     ZBDuration duration;
     int days = 0;
+    // A task's series is held by its due date, so its offset reads back from
+    // the end; other owners read it on from the start.
+    const bool fromEnd = ZBRepeatConfig::capability_range(m_capabilities) == C_RangeDue;
     switch (get_offset_details(duration, days)) {
     case E_OffLast:
         return "End of last repeat.";
     case E_OffDuration:
-        return duration.to_string(false) + " after start.";
+        return duration.to_string(false) + (fromEnd ? " before end." : " after start.");
     case E_OffTime: {
-        std::string time = ZBDuration(duration).to_string(false);
+        std::string time = time_text(duration);
         if (days == 0)
-            return "At " + time + ".";
-        return (days == 1 ? std::string("1 day ") : std::to_string(days) + " days ") + "after at " + time + ".";
+            return (fromEnd ? "Due date at " : "At ") + time + ".";
+        return (days == 1 ? std::string("1 day ") : std::to_string(days) + " days ")
+               + (fromEnd ? "before at " : "after at ") + time + ".";
     }
     case E_OffExpression:
         return m_offsetExp;
@@ -1100,14 +1340,8 @@ std::string ZBDateRepeat::range_to_string(bool start) const
         text = "From " + m_begin.to_string("%C");
     else if (m_end.is_ok())
         text = "To " + m_end.to_string("%C");
-    if (!m_exclude.empty()) {
-        std::vector<std::string> parts;
-        for (int i = 0; i < m_exclude.size(); ++i) {
-            const ZBDateSetEntry* entry = m_exclude[i];
-            parts.push_back(entry->m_start.to_string("%D") + "-" + entry->m_end.to_string("%D"));
-        }
-        text += (text.empty() && start ? "Excluding " : " excluding ") + join(parts, ",");
-    }
+    if (!m_exclude.empty())
+        text += (text.empty() && start ? "Excluding " : " excluding ") + get_exclude_string();
     return text;
 }
 
@@ -1132,7 +1366,7 @@ std::string ZBDateRepeat::to_natural(const ZBRepeatConfig* config) const
         if (!m_at.empty()) {
             std::vector<std::string> times;
             for (const ZBDuration& at : m_at)
-                times.push_back(at.to_string(at.get_seconds() % 60 != 0));
+                times.push_back(time_text(at));
             text += " at " + join(times, ", ");
         }
         break;
@@ -1194,7 +1428,7 @@ std::string ZBDateRepeat::to_string() const
     if ((m_type == E_Expression || m_offset == C_OffsetExpression) && !m_offsetExp.empty() && !get_fixed(E_FixedOffset))
         parts.push_back("Z=\"" + m_offsetExp + "\"");
     if (!m_exclude.empty() && !get_fixed(E_FixedExclude))
-        parts.push_back("X=" + get_exclude_string());
+        parts.push_back("X=" + exclude_storage_string());
     return join(parts, "@");
 }
 
@@ -1234,6 +1468,12 @@ int ZBDateRepeat::from_string(const std::string& text)
     }
     if (m_begin.is_ok() && m_end.is_ok() && m_end < m_begin)
         return zbwarning(ZBErrC_InvalidValue, ZBLOC, "The end of a repeat cannot come before its start.");
+    // Checked once the type is known, whatever order the fields came in.
+    if (uses_interval() && m_interval > max_interval(m_type)) {
+        std::string part = "N=" + std::to_string(m_interval);
+        return zbwarning(ZBErrC_InvalidValue, ZBLOC, "%s should be of the form \"%s%s%s\"", part.c_str(), "N", "=",
+                         "N");
+    }
     invalidate();
     return ZBErrC_ok;
 }

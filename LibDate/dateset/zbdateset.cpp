@@ -557,7 +557,9 @@ ZBDuration ZBDateSet::allocate(ZBDateSet& returnSet, const ZBDuration& duration,
     if (&returnSet == this || duration <= 0)
         return sum;
     int hint = 0;
-    if (!backwards) {
+    // Only a latest date gives a backward walk somewhere to start; without
+    // one the time comes from the front, as it does going forwards.
+    if (!backwards || !latest.is_ok()) {
         int i = earliest.is_ok() ? std::max(safe_find(earliest, 0, true) - 1, 0) : 0;
         while (i < m_entry.size() && sum < duration) {
             const ZBDateSetEntry* entry = m_entry[i];

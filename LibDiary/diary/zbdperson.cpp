@@ -166,8 +166,13 @@ void ZBDPerson::mark_reminder()
 
 void ZBDPerson::initialise_reminder()
 {
-    if (!m_reminder.is_ok() && m_encouragement.is_repeating())
-        m_reminder = m_encouragement.next_date(ZBDateUtils::now(), this);
+    if (!m_reminder.is_ok() && m_encouragement.is_repeating()) {
+        // A rule that does not move (one the user steps by hand) gives no reminder.
+        ZBDate now = ZBDateUtils::now();
+        ZBDate next = m_encouragement.next_date(now, this);
+        if (next.is_ok() && now < next)
+            m_reminder = next;
+    }
 }
 
 bool ZBDPerson::has_reminder() const
@@ -179,8 +184,9 @@ void ZBDPerson::complete_reminder()
 {
     m_reminder.set_blank();
     if (m_encouragement.is_repeating()) {
-        ZBDate next = m_encouragement.next_date(ZBDateUtils::now(), this);
-        if (next.is_ok())
+        ZBDate now = ZBDateUtils::now();
+        ZBDate next = m_encouragement.next_date(now, this);
+        if (next.is_ok() && now < next)
             m_reminder = next;
     }
 }
