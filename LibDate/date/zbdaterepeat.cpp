@@ -925,6 +925,8 @@ bool ZBDateRepeat::on_rule(const ZBDate& date, const ZBRepeatConfig* config) con
     if (m_state == 0)
         populate_expressions(config);
     bool matches = m_type == E_Seconds;
+    if (m_type == E_SetDates)
+        matches = std::any_of(m_set.begin(), m_set.end(), [&](const ZBDate& set) { return same_moment(set, date); });
     if (m_type >= E_Days && m_type <= E_Years) {
         const ZBDateDetails details = details_of(date);
         for (const Choice& choice : m_choices) {
