@@ -136,7 +136,7 @@ TEST_F(DiaryEntries, PostponeTextsAndRefusals)
     EXPECT_TRUE(task->get_due().orig.is_blank());
     EXPECT_TRUE(iszbwarn(task->postpone("soonish", "", 0)));
     get_zberror().clear_all();
-    EXPECT_TRUE(iszbwarn(task->set_completion(120.0, false)));
+    EXPECT_TRUE(iszbwarn(task->set_completion(-5.0, false)));
     get_zberror().clear_all();
     EXPECT_FALSE(task->is_complete());
 }
@@ -211,7 +211,7 @@ TEST_F(DiaryCli, CommandsEndToEndAndFailuresLeaveTheFile)
     const std::string before = Tervalon::Test::read_file(file);
     EXPECT_EQ(tervalon({"postpone", file, task, "whenever"}).status, 1);
     EXPECT_EQ(tervalon({"add", file, "--type", "T", "--title", "x", "--parent", "999"}).status, 1);
-    EXPECT_EQ(tervalon({"set", file, task, "completion", "150"}).status, 1);
+    EXPECT_EQ(tervalon({"set", file, task, "completion", "-1"}).status, 1);
     EXPECT_EQ(Tervalon::Test::read_file(file), before);
 
     EXPECT_EQ(tervalon({"postpone", file, task, "+1 day"}).status, 0);
