@@ -426,7 +426,7 @@ int DiaryEntry::run_trigger(const std::string& trigger)
 
 int DiaryEntry::set_completion(double percent, bool quiet)
 {
-    // 100 or more is done; only a value below nothing (or not a number) is refused.
+    // 100 or more is done; only a value below 0 (or not a number) is refused.
     if (!(percent >= 0.0))
         return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Completion must be 0 or more, not %g.", percent);
     if (percent >= 100.0) {
@@ -639,8 +639,8 @@ void DiaryEntry::delete_resource(int id, int replacement)
         m_props.set_resource_calc(replacement);
 }
 
-// A child this entry's spec requires (a container declared without "[]" or
-// "[-]") is part of what the entry is, and is not folded away unasked.
+// A child this entry's spec requires (its container declared with no suffix
+// or with "[+]") is part of what the entry is, and is not folded away unasked.
 bool DiaryEntry::is_mandatory_child(const DiaryEntry& child) const
 {
     const ZBDatabase* db = get_database();
