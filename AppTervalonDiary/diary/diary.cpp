@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/diary/diary.h"
+#include "LibDatabase/db/zbobjectspec.h"
 #include "LibDate/date/zblocale.h"
 #include "LibObject/object/zbdump.h"
 
@@ -119,8 +120,15 @@ int Diary::create_object(ZBDBObject* parent, const std::string& tag, int specId,
     DiaryEntry* entry = nullptr;
     if (iszbwarn(create_entry(parentEntry, 'O', std::string(), &entry)))
         return zbpass(ZBLOC);
-    if (specId >= 0)
+    // The spec takes effect at once: a type it fixes ("$<EntryType> =
+    // eval(...)") holds from the entry's first moment.
+    const ZBObjectSpec* spec = specId >= 0 ? get_objectspec_by_id(specId) : nullptr;
+    if (spec && spec->is_parsed() && !spec->is_base_only()) {
+        if (iszbwarn(apply_objectspec_to_db(*entry, specId, false)))
+            return zbpass(ZBLOC);
+    } else if (specId >= 0) {
         entry->set_specid(specId);
+    }
     if (out)
         *out = entry;
     return ZBErrC_ok;

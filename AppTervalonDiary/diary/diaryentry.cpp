@@ -1,5 +1,7 @@
 #include "AppTervalonDiary/diary/diaryentry.h"
 #include "AppTervalonDiary/diary/diary.h"
+#include "LibDatabase/db/zbobjectspec.h"
+#include "LibDatabase/db/zbobjectspecchild.h"
 #include "LibDate/date/zbdateparser.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibObject/object/zbdump.h"
@@ -180,7 +182,69 @@ int DiaryEntry::serialise(std::istream* in, std::ostream* out, const std::string
         attach_facets();
     // Then the record: title, details, dates, priority, progress, repeat rule
     // and the flags, under the record's tags.
-    return ZBDEntry::serialise(in, out, prefix, version);
+    if (iszbwarn(ZBDEntry::serialise(in, out, prefix, version)))
+        return zbpass(ZBLOC);
+    if (in && iszbwarn(read_older_forms(in, prefix, version)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+// Files of older data versions kept some of the record's values in fields of
+// the entry's own. They are read into the record (where the record's own
+// field is absent) and so are written in the present form at the next save.
+int DiaryEntry::read_older_forms(std::istream* in, const std::string& prefix, int version)
+{
+    if (version <= C_LastTitleVersion) {
+        std::string title;
+        std::string details;
+        if (serialise_string(in, nullptr, prefix, "ti", title, true) == ZBErrC_ok && m_summary.empty())
+            m_summary = title;
+        if (serialise_string(in, nullptr, prefix, "de", details, true) == ZBErrC_ok && m_text.empty())
+            m_text = details;
+    }
+    if (version < C_FirstRecordSlotVersion) {
+        ZBCalcPair<ZBDateSlot> slot;
+        if (slot.serialise(*this, in, nullptr, prefix, "ts", ZBDateSlot()) == ZBErrC_ok
+            && m_time == ZBCalcPair<ZBDateSlot>())
+            m_time = slot;
+    }
+    if (version < C_FirstRecordRepeatVersion)
+        return read_older_repeat(in, prefix);
+    return ZBErrC_ok;
+}
+
+// The old rule was two date expressions, a range and a list of days left
+// out. A task's repeat expression gave its due dates and the other its
+// start-after; for any other entry the two were the other way round.
+int DiaryEntry::read_older_repeat(std::istream* in, const std::string& prefix)
+{
+    bool repeating = false;
+    std::string startExp;
+    std::string repeatExp;
+    std::string exclude;
+    ZBCalcPair<ZBDateSlot> range;
+    serialise_field<bool>(in, nullptr, prefix, "rp", repeating, false);
+    serialise_string(in, nullptr, prefix, "rs", startExp, true);
+    serialise_string(in, nullptr, prefix, "rd", repeatExp, true);
+    range.serialise(*this, in, nullptr, prefix, "rr", ZBDateSlot());
+    serialise_string(in, nullptr, prefix, "er", exclude, true);
+    if (!repeating || m_repeat.is_repeating())
+        return ZBErrC_ok;
+    ZBDateRepeat rule;
+    rule.set_type(ZBDateRepeat::E_Expression);
+    if (m_entryType.orig == 'T') {
+        rule.set_exp(repeatExp);
+        rule.set_offset_exp(startExp);
+    } else {
+        rule.set_offset_exp(repeatExp);
+        rule.set_exp(startExp);
+    }
+    if (iszbwarn(rule.set_range_start(range.orig.m_start, false)) || iszbwarn(rule.set_range_end(range.orig.m_end, false))
+        || iszbwarn(rule.set_exclude(exclude)))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The repeat of the entry \"%s\" (%d) cannot be read.",
+                          m_summary.c_str(), get_id());
+    m_repeat = rule;
+    return ZBErrC_ok;
 }
 
 // ---------------------------------------------------------------- types
@@ -255,6 +319,22 @@ std::string DiaryEntry::get_sysvalue(const std::string& tag) const
         return resource ? resource->get_username() : std::string();
     }
     return ZBDEntry::get_sysvalue(tag);
+}
+
+// A spec's "$<EntryType> = eval(...)" arrives here: the entry becomes that
+// type. Only a change of type rederives what hangs on it.
+int DiaryEntry::set_sysvalue(const std::string& tag, const std::string& value)
+{
+    if (tag != C_SysEntryType)
+        return ZBDEntry::set_sysvalue(tag, value);
+    const int type = string_to_entrytype(value);
+    if (type == E_Object && zb_compare_nocase(zb_trim(value), entrytype_to_string(E_Object)) != 0)
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: Invalid entry type: %s", tag.c_str(), value.c_str());
+    if (char(type) == m_entryType.orig)
+        return ZBErrC_ok;
+    set_entrytype(char(type));
+    clear_predicted(true);
+    return ZBErrC_ok;
 }
 
 // ---------------------------------------------------------------- tree
@@ -346,8 +426,9 @@ int DiaryEntry::run_trigger(const std::string& trigger)
 
 int DiaryEntry::set_completion(double percent, bool quiet)
 {
-    if (!(percent >= 0.0 && percent <= 100.0))
-        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Completion must be between 0 and 100, not %g.", percent);
+    // 100 or more is done; only a value below 0 (or not a number) is refused.
+    if (!(percent >= 0.0))
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Completion must be 0 or more, not %g.", percent);
     if (percent >= 100.0) {
         if (!is_complete() && iszbwarn(mark_complete(ZBDateUtils::now())))
             return zbpass(ZBLOC);
@@ -396,10 +477,11 @@ int DiaryEntry::mark_complete(const ZBDate& date)
         if (diary->get_session_id() == get_id())
             diary->set_session_id(-1);
 
-    // An appointment's series runs from its start, and each instance keeps
-    // the length of the one finished.
+    // The instance just done ends at its own end (a task's due, or its
+    // start-after when that is still to come); the slot of the next one may
+    // run on from there.
     const ZBDateSlot instance = m_time.orig;
-    ZBDate base = instance.m_start.is_ok() ? instance.m_start : instance.m_end;
+    ZBDate base = instance.m_end.is_ok() ? instance.m_end : instance.m_start;
     if (get_derived_entrytype() == 'T') {
         base = m_due.orig;
         if (m_start.orig.is_ok() && date < m_start.orig)
@@ -413,22 +495,17 @@ int DiaryEntry::mark_complete(const ZBDate& date)
         const ZBDateSlot current = m_erepeat.get_current_repeat();
         m_erepeat.invalidate();
         m_repeat.invalidate();
-        // The series is anchored on the instance's own date, so that an early
-        // or late completion does not shift the dates that follow.
-        ZBDate next = m_repeat.next_date(base.is_ok() ? base : date, this);
-        for (int i = 0; i < ZBDateRepeat::C_MaxSteps && next.is_ok() && !(date < next); ++i) {
-            ZBDate further = m_repeat.next_date(next, this);
-            if (!(next < further)) {
-                next = ZBDate::C_Blank;
-                break;
-            }
-            next = further;
-        }
+        // The series goes on from the day the work was done: the next
+        // instance is the first one after the completion.
+        const ZBDate next = m_repeat.next_date(date, this);
         if (next.is_ok() && date < next) {
             ZBDateSlot slot = m_repeat.generate_slot(base, next, ZBDate::C_Blank, this);
             if (slot == current && slot.m_start < date) {
-                ZBDate from = slot.m_end.is_ok() ? slot.m_end : slot.m_start;
-                slot = m_repeat.generate_slot(base, m_repeat.next_date(from, this), ZBDate::C_Blank, this);
+                const ZBDate from = slot.m_end.is_ok() ? slot.m_end : slot.m_start;
+                const ZBDate further = m_repeat.next_date(from, this);
+                slot = further.is_ok() && from < further
+                           ? m_repeat.generate_slot(base, further, ZBDate::C_Blank, this)
+                           : ZBDateSlot();
             }
             if (slot.m_start.is_ok()) {
                 if (get_derived_entrytype() != 'T')
@@ -562,6 +639,18 @@ void DiaryEntry::delete_resource(int id, int replacement)
         m_props.set_resource_calc(replacement);
 }
 
+// A child this entry's spec requires (its container declared with no suffix
+// or with "[+]") is part of what the entry is, and is not folded away unasked.
+bool DiaryEntry::is_mandatory_child(const DiaryEntry& child) const
+{
+    const ZBDatabase* db = get_database();
+    const ZBObjectSpec* spec = db && get_specid() >= 0 ? db->get_objectspec_by_id(get_specid()) : nullptr;
+    if (!spec)
+        return false;
+    const ZBObjectSpecChild* declared = spec->get_child_by_name(child.get_member_tag());
+    return declared && declared->m_mandatory;
+}
+
 int DiaryEntry::compact(Diary* diary, bool force)
 {
     for (DiaryEntry* child : std::vector<DiaryEntry*>(m_children.begin(), m_children.end()))
@@ -572,7 +661,7 @@ int DiaryEntry::compact(Diary* diary, bool force)
     m_depend.clear_depends();
     for (const DiaryEntry* child : m_children) {
         const char type = child->get_derived_entrytype();
-        if ((!force && child->get_preserve()) || (type != 'T' && type != 'A') || child->get_preserve())
+        if ((!force && is_mandatory_child(*child)) || (type != 'T' && type != 'A') || child->get_preserve())
             return ZBErrC_ok;
     }
     bool grandchild = false;

@@ -54,6 +54,12 @@ public:
 
     void dump(std::ostream& out, int indent) const override;
     int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
+    // Data versions at which stored forms changed: up to the first the entry
+    // kept its own title and details; before the second its date slot; before
+    // the third its repeat rule as separate fields.
+    static constexpr int C_LastTitleVersion = 9;
+    static constexpr int C_FirstRecordSlotVersion = 11;
+    static constexpr int C_FirstRecordRepeatVersion = 15;
     void register_zbobject() override;
     static int create_zbobject(ZBObject*& out, const ZBObject* from);
     void set_defaults(bool all) override;
@@ -132,11 +138,16 @@ public:
     // its properties (by name). The rest are the record's.
     std::string get_sysvalue(const std::string& tag) const override;
     using ZBDEntry::get_sysvalue;
+    // The entry answers its type itself ("Task", "Event", ...); the rest is the record's.
+    int set_sysvalue(const std::string& tag, const std::string& value) override;
+    using ZBDEntry::set_sysvalue;
     // A date changed through a system value needs new predictions.
     void sysval_time_modified() override { clear_predicted(true); }
     void clear_predicted(bool force);
     int postpone(const std::string& startText, const std::string& endText, int sequence);
     int compact(Diary* diary, bool force);
+    // Whether this entry's spec requires the container the child sits in.
+    bool is_mandatory_child(const DiaryEntry& child) const;
     void save_baseline(bool withDates);
     // Moves the entry's use of a resource to another.
     void delete_resource(int id, int replacement);
@@ -166,6 +177,9 @@ public:
 
 private:
     void attach_facets();
+    // Fields of older data versions, read into the present ones.
+    int read_older_forms(std::istream* in, const std::string& prefix, int version);
+    int read_older_repeat(std::istream* in, const std::string& prefix);
     int run_trigger(const std::string& trigger);
     void changed();
 

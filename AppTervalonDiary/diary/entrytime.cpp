@@ -4,6 +4,7 @@
 
 #include <ostream>
 #include <utility>
+#include <vector>
 #include "AppTervalonDiary/diary/diary.h"
 
 namespace Tervalon {
@@ -130,26 +131,46 @@ void EntryTime::recalculate_date()
     entry->edit_time().set_calc(calc);
 }
 
-void EntryTime::upgrade_date(const ZBDate& date, bool force, int source)
+bool EntryTime::push_end(const ZBDate& date, bool force, int source)
 {
     DiaryEntry* entry = get_entry();
-    if (!entry || !date.is_ok() || entry->is_complete())
-        return;
+    if (!entry || !date.is_ok() || entry->is_complete() || entry->get_derived_entrytype() != 'T')
+        return false;
     ZBDateSlot calc = entry->get_time().calc;
-    if ((calc.m_end < date || !calc.m_end.is_ok() || force) && entry->get_derived_entrytype() == 'T') {
-        calc.m_end = date;
-        if (calc.m_start.is_ok() && date < calc.m_start)
-            std::swap(calc.m_start, calc.m_end);
-        entry->edit_time().set_calc(calc);
-        m_endId = source;
+    if (!(calc.m_end < date || !calc.m_end.is_ok() || force))
+        return false;
+    calc.m_end = date;
+    if (calc.m_start.is_ok() && date < calc.m_start)
+        std::swap(calc.m_start, calc.m_end);
+    entry->edit_time().set_calc(calc);
+    m_endId = source;
+    return true;
+}
+
+// The news travels on only from an entry whose end moved: an end can move
+// once for a given date, so a long chain costs one visit per entry and a
+// dependency cycle in a damaged file comes to rest. The walk keeps its own
+// list rather than the call stack, for chains of any length.
+void EntryTime::upgrade_date(const ZBDate& date, bool force, int source)
+{
+    DiaryEntry* origin = get_entry();
+    if (!origin || !date.is_ok() || origin->is_complete())
+        return;
+    push_end(date, force, source);
+    Diary* diary = origin->get_diary();
+    std::vector<DiaryEntry*> pending{origin};
+    while (!pending.empty()) {
+        DiaryEntry* entry = pending.back();
+        pending.pop_back();
+        if (diary)
+            for (int id : entry->get_depend().get_depend_on_this())
+                if (DiaryEntry* other = diary->get_entry_id(id))
+                    if (other->edit_etime().push_end(date, false, entry->get_id()))
+                        pending.push_back(other);
+        if (DiaryEntry* parent = entry->get_parent_entry())
+            if (parent->edit_etime().push_end(date, false, entry->get_id()))
+                pending.push_back(parent);
     }
-    if (Diary* diary = entry->get_diary()) {
-        for (int id : entry->get_depend().get_depend_on_this())
-            if (DiaryEntry* other = diary->get_entry_id(id))
-                other->edit_etime().upgrade_date(date, false, entry->get_id());
-    }
-    if (DiaryEntry* parent = entry->get_parent_entry())
-        parent->edit_etime().upgrade_date(date, false, entry->get_id());
 }
 
 } // namespace Tervalon

@@ -38,6 +38,9 @@ public:
     void upgrade_date(const ZBDate& date, bool force, int source);
 
 private:
+    // Moves this task's end to date when it is later (or forced); true when it moved.
+    bool push_end(const ZBDate& date, bool force, int source);
+
     int m_endId;
 };
 

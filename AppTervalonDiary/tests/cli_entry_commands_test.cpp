@@ -198,16 +198,18 @@ TEST_F(EntryCommands, DoneOnADateAndOnRepeatingEntries)
 {
     const std::string once = add({"--type", "T", "--title", "Once", "--due", "+2 days"});
     ASSERT_EQ(tervalon({"done", file, once, "4-Mar-2026 17:00"}).status, 0);
-    // Weekly on Fridays, starting a day before: completing on the day moves
-    // both dates on a week and reopens it.
+    // Weekly on Fridays at 09:00, starting a day before: completing on the
+    // day moves both dates on to the next Friday and reopens it.
     const std::string weekly = add({"--type", "T", "--title", "Weekly", "--start", "5-Mar-2026 09:00", "--due",
-                                    "6-Mar-2026 09:00", "--repeat", "T=3@N=1"});
+                                    "6-Mar-2026 09:00", "--repeat", "T=3@N=1@D=5@A=32400"});
     ASSERT_EQ(tervalon({"done", file, weekly, "6-Mar-2026 10:00"}).status, 0);
-    // Finished late, past the next instance too: the series keeps its days.
-    const std::string late = add({"--type", "T", "--title", "Late", "--due", "6-Mar-2026 09:00", "--repeat", "T=3@N=1"});
+    // Finished late, past the next instance too: the first Friday after the
+    // completion.
+    const std::string late = add({"--type", "T", "--title", "Late", "--due", "6-Mar-2026 09:00", "--repeat",
+                                  "T=3@N=1@D=5@A=32400"});
     ASSERT_EQ(tervalon({"done", file, late, "14-Mar-2026 12:00"}).status, 0);
     const std::string visit = add({"--type", "A", "--title", "Visit", "--start", "3-Mar-2026 10:00", "--duration",
-                                   "1h", "--repeat", "T=3@N=1"});
+                                   "1h", "--repeat", "T=3@N=1@D=2@A=36000"});
     ASSERT_EQ(tervalon({"done", file, visit, "3-Mar-2026 11:00"}).status, 0);
 
     std::unique_ptr<OnDisk> disk = load();
@@ -331,7 +333,6 @@ TEST_F(EntryCommands, FailingCommandsLeaveTheFileUnchanged)
         {"set", meeting, "duration", "1h"},
         {"set", task, "priority", "high"},
         {"set", task, "priority", ""},
-        {"set", task, "completion", "150"},
         {"set", task, "completion", "-1"},
         {"set", task, "completion", "half"},
         {"set", task, "repeat", "T=2@N=0"},

@@ -188,3 +188,32 @@ TEST_F(DiaryCompact, GrandchildrenAreFoldedAllTheWayUp)
     EXPECT_EQ(parent->get_spent().get_sessions().size(), 2);
     EXPECT_EQ(parent->get_text(), "parent\n---\nmiddle\n---\nnotes of deep one\n---\nnotes of deep two");
 }
+
+// A child the parent's spec requires stays unless the fold is forced; a
+// preserved one stays even then.
+TEST_F(DiaryCompact, RequiredChildrenStopTheFoldUnlessForced)
+{
+    int specId = -1;
+    ASSERT_FALSE(iszbwarn(diary.add_objectspec("Project", "$[Step] = ${Default};\n$[Extra] = ${Default}[];\n", &specId)));
+    struct Row {
+        const char* member;
+        bool preserve;
+        bool force;
+        int childrenLeft;
+    };
+    const Row rows[] = {{"Step", false, false, 1}, {"Step", false, true, 0}, {"Extra", false, false, 0}, {"Extra", true, true, 1}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.member) + (row.preserve ? " preserved" : "") + (row.force ? " forced" : ""));
+        DiaryEntry* parent = add(nullptr, 'T', "Project");
+        ASSERT_FALSE(iszbwarn(diary.apply_objectspec_to_db(*parent, specId, true)));
+        DiaryEntry* child = new DiaryEntry();
+        child->set_entrytype('T');
+        ASSERT_FALSE(iszbwarn(diary.add_object(child, parent, DiaryEntry::C_EntryTag, row.member, -1, "")));
+        child->set_preserve(row.preserve);
+        child->mark_complete(at("4-Mar-2026 10:00"));
+        parent->mark_complete(at("5-Mar-2026 10:00"));
+        diary.recalculate(ZBDatabase::E_RecalcQuick);
+        ASSERT_EQ(parent->compact(&diary, row.force), ZBErrC_ok);
+        EXPECT_EQ(parent->get_nchildren(), row.childrenLeft);
+    }
+}

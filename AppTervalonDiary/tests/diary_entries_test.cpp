@@ -105,23 +105,44 @@ TEST_F(DiaryEntries, EqualTasksSortByIdAndTypesByApplicationOrder)
     get_zberror().clear_all();
 }
 
-TEST_F(DiaryEntries, RepeatingTaskMovesOnAndStaysOpen)
+// The next instance is the first one after the completion, not the next one
+// after the instance's own date; plans before it go.
+TEST_F(DiaryEntries, RepeatingTaskMovesOnFromTheCompletionAndStaysOpen)
 {
-    DiaryEntry* task = nullptr;
-    diary.create_entry(nullptr, 'T', "Weekly", &task);
-    task->edit_due().set_orig(at("6-Mar-2026 09:00"));
-    task->edit_repeat().from_string("T=3@N=1");
-    task->edit_plan().edit_planned().add(ZBDateSlot(at("1-Mar-2026 09:00"), at("1-Mar-2026 10:00")), 1);
-    ASSERT_EQ(task->mark_complete(at("6-Mar-2026 09:00")), ZBErrC_ok);
-    EXPECT_FALSE(task->is_complete());
-    EXPECT_EQ(task->get_duration().orig.get_completion(), 0.0);
-    EXPECT_EQ(task->get_due().orig, at("13-Mar-2026 09:00"));
-    EXPECT_TRUE(task->get_plan().get_planned().empty());
-
+    struct Row {
+        const char* done;
+        const char* nextDue;
+    };
+    for (const Row& row : {Row{"6-Mar-2026 09:00", "13-Mar-2026 09:00"}, Row{"10-Mar-2026 15:00", "17-Mar-2026 15:00"}}) {
+        SCOPED_TRACE(row.done);
+        DiaryEntry* task = nullptr;
+        diary.create_entry(nullptr, 'T', "Weekly", &task);
+        task->edit_due().set_orig(at("6-Mar-2026 09:00"));
+        task->edit_repeat().from_string("T=3@N=1");
+        task->edit_plan().edit_planned().add(ZBDateSlot(at("1-Mar-2026 09:00"), at("1-Mar-2026 10:00")), 1);
+        ASSERT_EQ(task->mark_complete(at(row.done)), ZBErrC_ok);
+        EXPECT_FALSE(task->is_complete());
+        EXPECT_EQ(task->get_duration().orig.get_completion(), 0.0);
+        EXPECT_EQ(task->get_due().orig, at(row.nextDue));
+        EXPECT_TRUE(task->get_plan().get_planned().empty());
+    }
     DiaryEntry* once = nullptr;
     diary.create_entry(nullptr, 'T', "Once", &once);
     once->mark_complete(at("4-Mar-2026 12:00"));
     EXPECT_TRUE(once->is_complete());
+}
+
+// 100 or more finishes the entry as marking it complete does.
+TEST_F(DiaryEntries, ACompletionOfAHundredOrMoreFinishesTheEntry)
+{
+    for (double percent : {100.0, 120.0}) {
+        DiaryEntry* task = nullptr;
+        diary.create_entry(nullptr, 'T', "Task", &task);
+        ASSERT_EQ(task->set_completion(percent, false), ZBErrC_ok) << percent;
+        EXPECT_TRUE(task->is_complete()) << percent;
+        EXPECT_EQ(task->get_duration().orig.get_completion(), 100.0) << percent;
+        EXPECT_EQ(task->get_spent().get_closed(), at("2-Mar-2026 08:00")) << percent;
+    }
 }
 
 TEST_F(DiaryEntries, PostponeTextsAndRefusals)
@@ -136,7 +157,7 @@ TEST_F(DiaryEntries, PostponeTextsAndRefusals)
     EXPECT_TRUE(task->get_due().orig.is_blank());
     EXPECT_TRUE(iszbwarn(task->postpone("soonish", "", 0)));
     get_zberror().clear_all();
-    EXPECT_TRUE(iszbwarn(task->set_completion(120.0, false)));
+    EXPECT_TRUE(iszbwarn(task->set_completion(-5.0, false)));
     get_zberror().clear_all();
     EXPECT_FALSE(task->is_complete());
 }
@@ -211,7 +232,7 @@ TEST_F(DiaryCli, CommandsEndToEndAndFailuresLeaveTheFile)
     const std::string before = Tervalon::Test::read_file(file);
     EXPECT_EQ(tervalon({"postpone", file, task, "whenever"}).status, 1);
     EXPECT_EQ(tervalon({"add", file, "--type", "T", "--title", "x", "--parent", "999"}).status, 1);
-    EXPECT_EQ(tervalon({"set", file, task, "completion", "150"}).status, 1);
+    EXPECT_EQ(tervalon({"set", file, task, "completion", "-1"}).status, 1);
     EXPECT_EQ(Tervalon::Test::read_file(file), before);
 
     EXPECT_EQ(tervalon({"postpone", file, task, "+1 day"}).status, 0);

@@ -236,3 +236,72 @@ TEST_F(DiaryRecords, SystemValuesOfAnEntryComeFromThePlannerWhereItKeepsThem)
     ASSERT_FALSE(iszbwarn(task->set_sysvalue(ZBDEntry::C_SysDueDate, "12-Mar-2026 10:00")));
     EXPECT_EQ(task->get_due().orig, at("12-Mar-2026 10:00"));
 }
+
+// The type line of the record specs ("$<EntryType> = eval(...)") makes the
+// entry that type: at once for a new entry, and for one the spec is given to.
+TEST_F(DiaryRecords, ATypeLineOfASpecMakesTheEntryThatType)
+{
+    struct Row {
+        const char* spec;
+        char type;
+    };
+    const Row rows[] = {{"DefaultEvent", 'A'}, {"DefaultJournal", 'J'}, {"DefaultPerson", 'P'}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.spec);
+        const ZBObjectSpec* spec = diary.get_objectspec_by_name(row.spec);
+        ASSERT_NE(spec, nullptr);
+        ZBDBObject* made = nullptr;
+        ASSERT_FALSE(iszbwarn(diary.create_object(nullptr, DiaryEntry::C_EntryTag, spec->get_id(), &made)));
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(made);
+        ASSERT_NE(entry, nullptr);
+        EXPECT_EQ(entry->get_entrytype(), row.type);
+        EXPECT_EQ(entry->get_specid(), spec->get_id());
+
+        DiaryEntry* plain = nullptr;
+        ASSERT_EQ(diary.create_entry(nullptr, 'O', "Plain", &plain), ZBErrC_ok);
+        ASSERT_FALSE(iszbwarn(diary.apply_objectspec_to_db(*plain, spec->get_id(), true)));
+        EXPECT_EQ(plain->get_entrytype(), row.type);
+    }
+    // A word that names no type is refused and changes nothing.
+    DiaryEntry* task = nullptr;
+    ASSERT_EQ(diary.create_entry(nullptr, 'T', "Task", &task), ZBErrC_ok);
+    EXPECT_TRUE(iszbwarn(task->set_sysvalue(ZBDEntry::C_SysEntryType, "Chore")));
+    get_zberror().clear_all();
+    EXPECT_EQ(task->get_entrytype(), 'T');
+    // The type is the entry's field; it is not stored again as a variable.
+    const int id = diary.get_entry_index(0)->get_id();
+    ASSERT_EQ(diary.save(true, true, false), ZBErrC_ok);
+    EXPECT_EQ(read_file(file).find("EntryType="), std::string::npos);
+    Diary again;
+    ASSERT_EQ(again.load(file, false), ZBErrC_ok);
+    EXPECT_EQ(again.get_entry_id(id)->get_entrytype(), 'A');
+}
+
+// A file that has lost one of the default specs gets it back when it is
+// opened, and the top level, which names it, parses again.
+TEST_F(DiaryRecords, AMissingDefaultSpecIsMadeAgainOnLoad)
+{
+    ASSERT_EQ(diary.save(true, true, false), ZBErrC_ok);
+    diary.unload();
+    const std::string whole = read_file(file);
+    for (const char* name : {"DefaultPerson", "DefaultEvent", "TopLevel", "Default", "PrayerUpdate"}) {
+        SCOPED_TRACE(name);
+        // Cut the spec's object out of the file.
+        const size_t named = whole.find(std::string("!N!") + name + "\n");
+        ASSERT_NE(named, std::string::npos);
+        const size_t start = whole.rfind("@O:\n", named);
+        const size_t end = whole.find("\n}\n@O:", named);
+        ASSERT_NE(end, std::string::npos);
+        Tervalon::Test::write_file(file, whole.substr(0, start) + whole.substr(end + 3));
+
+        Diary again;
+        ASSERT_EQ(again.load(file, false), ZBErrC_ok);
+        const ZBObjectSpec* spec = again.get_objectspec_by_name(name);
+        ASSERT_NE(spec, nullptr);
+        EXPECT_TRUE(spec->is_parsed());
+        EXPECT_TRUE(again.get_objectspec_by_name("TopLevel")->is_parsed());
+        EXPECT_TRUE(again.get_objectspec_by_name("DefaultPrayer")->is_parsed());
+        again.unload();
+        get_zberror().clear_all();
+    }
+}

@@ -173,3 +173,30 @@ TEST_F(EntryTimeCalc, UpgradeDatePushesTaskEndsUpAndAlong)
     task->edit_etime().upgrade_date(at("20-Mar-2026 17:00"), true, 82);
     EXPECT_EQ(task->get_time().calc, finished);
 }
+
+// A damaged file can make tasks wait on each other in a ring: a later end
+// goes round it once and stops. Along a chain it reaches the last task.
+TEST_F(EntryTimeCalc, UpgradeDateComesToRestOnACycle)
+{
+    DiaryEntry* first = add(nullptr, 'T');
+    DiaryEntry* second = add(nullptr, 'T');
+    DiaryEntry* third = add(nullptr, 'T');
+    first->edit_depend().edit_depend_on_this() = {second->get_id()};
+    second->edit_depend().edit_depend_on_this() = {third->get_id()};
+    third->edit_depend().edit_depend_on_this() = {first->get_id()};
+    for (DiaryEntry* task : {first, second, third})
+        task->edit_plan().edit_predicted().add(slot("3-Mar-2026 09:00", "3-Mar-2026 12:00"), 1);
+    ASSERT_EQ(diary.recalculate(ZBDatabase::E_RecalcQuick), ZBErrC_ok);
+
+    first->edit_etime().upgrade_date(at("9-Mar-2026 17:00"), false, 90);
+    for (DiaryEntry* task : {first, second, third})
+        EXPECT_EQ(task->get_time().calc.m_end, at("9-Mar-2026 17:00"));
+    EXPECT_EQ(first->get_etime().get_end_id(), 90);
+    EXPECT_EQ(second->get_etime().get_end_id(), first->get_id());
+    EXPECT_EQ(third->get_etime().get_end_id(), second->get_id());
+
+    // Forced, the first end moves back; the others, already later, stay.
+    first->edit_etime().upgrade_date(at("4-Mar-2026 17:00"), true, 91);
+    EXPECT_EQ(first->get_time().calc.m_end, at("4-Mar-2026 17:00"));
+    EXPECT_EQ(third->get_time().calc.m_end, at("9-Mar-2026 17:00"));
+}

@@ -807,7 +807,9 @@ int ZBDBObject::update_vars()
     if (m_vars.empty())
         return ZBErrC_okFinished;
     for (ZBVariable* variable : m_vars) {
-        if (variable->is_sysvalue()) {
+        // A computed system value (eval) is worked out below and written back
+        // to the object; any other one is the object's field as it stands.
+        if (variable->is_sysvalue() && !variable->is_derived()) {
             const std::string assoc = variable->get_spec()->get_assoc();
             variable->set_value(assoc.empty() ? get_sysvalue(variable->get_tag())
                                               : get_sysvalue(variable->get_spec()->get_name(), assoc));
@@ -832,13 +834,8 @@ int ZBDBObject::update_vars()
             }
             if (expand_var(*variable) == ZBErrC_okFinished) {
                 variable->mark_initialised();
-                if (variable->is_sysvalue()) {
-                    const std::string assoc = variable->get_spec()->get_assoc();
-                    if (assoc.empty())
-                        set_sysvalue(variable->get_tag(), variable->get_value());
-                    else
-                        set_sysvalue(variable->get_spec()->get_name(), assoc, variable->get_value());
-                }
+                if (variable->is_sysvalue())
+                    write_sysvalue(*variable);
                 progress = true;
             } else {
                 unfinished = true;
@@ -846,6 +843,23 @@ int ZBDBObject::update_vars()
         }
     }
     return unfinished ? ZBErrC_okNotFinished : ZBErrC_okFinished;
+}
+
+// Only a value that differs is written, so that an update that finds the
+// object as its spec wants it changes nothing; a change is the object's own.
+void ZBDBObject::write_sysvalue(const ZBVariable& variable)
+{
+    const std::string assoc = variable.get_spec()->get_assoc();
+    const std::string& name = assoc.empty() ? variable.get_tag() : variable.get_spec()->get_name();
+    const std::string before = assoc.empty() ? get_sysvalue(name) : get_sysvalue(name, assoc);
+    if (before == variable.get_value())
+        return;
+    if (assoc.empty())
+        set_sysvalue(name, variable.get_value());
+    else
+        set_sysvalue(name, assoc, variable.get_value());
+    if ((assoc.empty() ? get_sysvalue(name) : get_sysvalue(name, assoc)) != before)
+        mark_changed(ZBLOC, true);
 }
 
 int ZBDBObject::expand_var(ZBVariable& variable)

@@ -159,6 +159,8 @@ public:
     // a variable was missing or not yet worked out (then no expression runs).
     int apply_vars(std::string& text, bool firstTime, ZBDBScriptCache* cache);
     int expand_var(ZBVariable& variable);
+    // Hands a worked-out system value to the object's own field.
+    void write_sysvalue(const ZBVariable& variable);
     // Finds the next "$<...>" at or after from: its span and the text inside.
     static bool locate_next_var(const std::string& text, size_t from, size_t& start, size_t& end, std::string& inner);
     // Splits the inside of "$<...>" into modifier, parent steps and tag.

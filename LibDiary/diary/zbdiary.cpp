@@ -179,6 +179,12 @@ int ZBDiary::initialise(bool created)
             set_spec_source(name, default_spec_source(name));
         if (iszbwarn(create_default_spec()))
             return zbpass(ZBLOC);
+    } else if (missing_default_spec()) {
+        // A file that has lost a default spec gets it back as new, so that
+        // the specs naming it (the top level above all) parse again; the
+        // others keep the user's text with any missing child line added. A
+        // spec of the user's that does not parse does not stop the load.
+        create_default_spec();
     } else if (iszbwarn(update_specs())) {
         return zbpass(ZBLOC);
     }
@@ -202,6 +208,8 @@ void ZBDiary::containers_resolved()
 int ZBDiary::upgrade_appfileversion()
 {
     const bool older = get_app_file_version() < current_appfileversion();
+    if (older && iszbwarn(check_all_read()))
+        return zbpass(ZBLOC);
     if (iszbwarn(ZBDatabase::upgrade_appfileversion()))
         return zbpass(ZBLOC);
     if (!older)
@@ -209,6 +217,25 @@ int ZBDiary::upgrade_appfileversion()
     if (iszbwarn(update_specs()))
         return zbpass(ZBLOC);
     return fan_out("upgrade", [](ZBDiaryMgr& manager) { return manager.initialise(); });
+}
+
+// An upgrade writes the file in the present form, which leaves out what this
+// version did not understand. So an older file is upgraded only when every
+// field of every record was read; otherwise it is refused as it is.
+int ZBDiary::check_all_read() const
+{
+    const ZBDBObject* unread = get_nserentries() > 0 ? this : nullptr;
+    for (int i = 0; !unread && i < get_nobjects(); ++i)
+        if (get_object_by_index(i)->get_nserentries() > 0)
+            unread = get_object_by_index(i);
+    if (!unread)
+        return ZBErrC_ok;
+    const ZBSerialisationEntry* entry = unread->get_serentry(0);
+    return zbwarnuser(ZBErrC_InvalidDatabaseVersion, ZBLOC,
+                      "%s was written by an older version (data version %d) and holds data this version cannot "
+                      "read (the field \"%s\" of the %s %d). The file was not changed.",
+                      get_filename().c_str(), get_app_file_version(), entry->m_tag.c_str(),
+                      unread->get_class_name().c_str(), unread->get_id());
 }
 
 int ZBDiary::remap_id(int from, int to)
@@ -324,8 +351,10 @@ int ZBDiary::add_sysquants(ZBObjectSpec& spec)
 {
     for (const ZBDEntry::SysQuant& quant : ZBDEntry::get_sysquants()) {
         ZBVarSpec* var = spec.get_varspec_by_name(quant.name);
-        if (!var || var->is_derived() || var->is_sysvalue())
+        if (!var || var->is_sysvalue())
             continue;
+        // A derived one (eval) keeps its expression, and what it works out
+        // becomes the record's field.
         var->set_sysvalue(true);
         const int constraint = sysquant_constraint(quant.code);
         if (constraint != ZBVarSpec::E_None)
@@ -342,22 +371,32 @@ int ZBDiary::add_sysquants(ZBObjectSpec& spec)
 // types' child lines added to it.
 int ZBDiary::create_default_spec()
 {
-    if (iszbwarn(ZBDatabase::create_default_spec()))
-        return zbpass(ZBLOC);
     std::vector<std::string> names = default_spec_names();
     names.push_back(C_PrayerUpdateSpec);
-    for (const std::string& name : names) {
-        auto it = m_specSource.find(name);
-        std::string source = it != m_specSource.end() ? it->second : default_spec_source(name);
-        if (name == C_TopLevelSpecName)
-            if (const ZBObjectSpec* spec = get_objectspec_by_name(name))
-                source = spec->get_text();
-        if (!get_objectspec_by_name(name) || name == C_TopLevelSpecName)
+    auto make_records = [this, &names]() {
+        for (const std::string& name : names) {
+            if (name == C_TopLevelSpecName || get_objectspec_by_name(name))
+                continue;
+            auto it = m_specSource.find(name);
+            const std::string source = it != m_specSource.end() ? it->second : default_spec_source(name);
             if (iszbwarn(ZBDatabase::set_spec_source(name, source, false)))
                 return zbpass(ZBLOC);
-        if (it != m_specSource.end())
-            m_specSource.erase(it);
-    }
+            if (it != m_specSource.end())
+                m_specSource.erase(it);
+        }
+        return int(ZBErrC_ok);
+    };
+    // A file that has specs but lost some of the records' gets those back
+    // before anything parses, so that no spec is parsed while one it names is
+    // missing. A new database makes the database's own first.
+    if (get_nobjectspecs() > 0 && iszbwarn(make_records()))
+        return zbpass(ZBLOC);
+    // The database's Default and TopLevel; its parse may find faults in a
+    // user's spec, which the parse below reports again.
+    ZBDatabase::create_default_spec();
+    if (iszbwarn(make_records()))
+        return zbpass(ZBLOC);
+    m_specSource.erase(C_TopLevelSpecName);
     if (iszbwarn(update_specs()))
         return zbpass(ZBLOC);
     return parse_objectspecs(true);
@@ -372,6 +411,16 @@ int ZBDiary::validate_spec(const ZBDEntry& entry, const std::string& specName, c
         return ZBErrC_ok;
     return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s cannot hold %s (%s).", specName.c_str(),
                       entry.get_summary().c_str(), ZBDEntry::entrytype_to_string(entry.get_entrytype()).c_str());
+}
+
+bool ZBDiary::missing_default_spec() const
+{
+    if (!get_objectspec_by_name(C_DefaultSpecName) || !get_objectspec_by_name(C_PrayerUpdateSpec))
+        return true;
+    for (const std::string& name : default_spec_names())
+        if (!get_objectspec_by_name(name))
+            return true;
+    return false;
 }
 
 const std::vector<std::string>& ZBDiary::default_spec_names()

@@ -89,13 +89,18 @@ public:
     int create_default_spec() override;
     // Marks each declaration of the spec that names a system value
     // (ZBDEntry::get_sysquants) as that system value, with the constraint of
-    // its kind. A derived declaration (eval) keeps its own expression. Nothing
+    // its kind. A derived declaration (eval) keeps its own expression, and
+    // what it works out is written to the record's field. Nothing
     // is added for the values a spec does not name, so that objects carry no
     // variables they do not use.
     int add_sysquants(ZBObjectSpec& spec) override;
     // Whether an entry of that kind may sit under a parent of this spec.
     int validate_spec(const ZBDEntry& entry, const std::string& specName, const std::string& childTag) const;
     int update_specs();
+    // A warning naming the first field of the file that no record took.
+    int check_all_read() const;
+    // Whether any of the default specs (the database's and the records') is gone.
+    bool missing_default_spec() const;
     // The source of a default spec by name; empty for a name that is not one.
     static std::string default_spec_source(const std::string& name);
     static const std::vector<std::string>& default_spec_names();

@@ -44,6 +44,22 @@ int ZBJournalMgr::add_journal(ZBDBObject* parent, ZBDJournal*& out)
     return ZBErrC_ok;
 }
 
+namespace {
+// Undeletes the live objects that the detached copy's children stand for, at
+// any depth; each keeps its own parent, which is back in the tree as well.
+void restore_subtree(ZBDiary& diary, ZBDBObject& copy)
+{
+    while (ZBDBObject* child = copy.extract_managed_child()) {
+        std::unique_ptr<ZBDBObject> held(child);
+        ZBDBObject* live = diary.get_object_by_id(child->get_id());
+        if (live && live->is_deleted()) {
+            live->set_state(ZBDBObject::E_Normal);
+            restore_subtree(diary, *child);
+        }
+    }
+}
+} // namespace
+
 // The event stays behind as a deleted record, so that a merge with an older
 // copy sees it go; what referred to the event refers to the note from now on.
 int ZBJournalMgr::event_to_journal(int id)
@@ -70,16 +86,18 @@ int ZBJournalMgr::event_to_journal(int id)
     ZBDJournal* note = journal.release();
     if (specId >= 0 && iszbwarn(diary.apply_objectspec_to_db(*note, specId, false)))
         return zbpass(ZBLOC);
-    // Children of the event (notes, people) move to the new note.
+    // Children of the event (notes, people) move to the new note, and all
+    // that hangs below them comes back where it was.
     while (ZBDBObject* child = copy->extract_managed_child()) {
+        std::unique_ptr<ZBDBObject> held(child);
         const std::string tag = child->get_obj_container_tag().empty() ? ZBDatabase::C_DefaultChildName
                                                                         : child->get_obj_container_tag();
         ZBDBObject* live = diary.get_object_by_id(child->get_id());
         if (live && live->is_deleted()) {
             live->set_state(ZBDBObject::E_Normal);
-            diary.reparent(live, note, tag);
+            live->set_parent(note, tag, live->get_member_tag(), &diary);
+            restore_subtree(diary, *child);
         }
-        delete child;
     }
     for (int i = 0; i < diary.get_nobjects(); ++i) {
         ZBDBObject* object = diary.get_object_by_index(i);
