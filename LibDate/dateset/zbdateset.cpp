@@ -217,21 +217,43 @@ int ZBDateSet::index_of(const ZBDateSetEntry& entry) const
     return m_entry.index_of(&entry);
 }
 
-int ZBDateSet::put(ZBDateSetEntry* entry, int hint)
+int ZBDateSet::place(const ZBDateSetEntry& entry, int hint) const
 {
     const int n = m_entry.size();
     auto fits = [&](int pos) {
-        return pos >= 0 && pos <= n && (pos == 0 || !entry_less(entry, at(pos - 1)))
-            && (pos == n || entry_less(entry, at(pos)));
+        return pos >= 0 && pos <= n && (pos == 0 || !zbdatesetentry_less(entry, *at(pos - 1)))
+            && (pos == n || zbdatesetentry_less(entry, *at(pos)));
     };
     // A walk in date order adds at or just behind the last place.
-    int pos = hint;
-    if (!fits(pos) && !fits(++pos))
-        pos = int(std::upper_bound(m_entry.begin(), m_entry.end(), entry, entry_less) - m_entry.begin());
+    if (fits(hint))
+        return hint;
+    if (fits(hint + 1))
+        return hint + 1;
+    return int(std::upper_bound(m_entry.begin(), m_entry.end(), &entry, entry_less) - m_entry.begin());
+}
+
+int ZBDateSet::put(ZBDateSetEntry* entry, int hint)
+{
+    int pos = place(*entry, hint);
     entry->m_reach = ZBDate(ZBDate::E_Invalid);
     m_entry.insert(pos, entry);
     relink(pos);
     return pos;
+}
+
+int ZBDateSet::partner_of(const ZBDateSetEntry& entry, int before, int after) const
+{
+    // Nothing at or before j can touch the entry once the latest end so far
+    // falls short of its start.
+    for (int j = before; j >= 0 && !(at(j)->m_reach < entry.m_start); --j) {
+        const ZBDateSetEntry* other = at(j);
+        if (other->m_type == entry.m_type && !(other->m_end < entry.m_start))
+            return j;
+    }
+    for (int j = after; j < m_entry.size() && !(entry.m_end < at(j)->m_start); ++j)
+        if (at(j)->m_type == entry.m_type)
+            return j;
+    return -1;
 }
 
 void ZBDateSet::drop(int index)
@@ -257,19 +279,7 @@ int ZBDateSet::join_type(int index)
 {
     for (;;) {
         ZBDateSetEntry* entry = at(index);
-        int partner = -1;
-        // Nothing at or before j can touch the entry once the latest end so far
-        // falls short of its start.
-        for (int j = index - 1; j >= 0 && !(at(j)->m_reach < entry->m_start); --j) {
-            const ZBDateSetEntry* other = at(j);
-            if (other->m_type == entry->m_type && !(other->m_end < entry->m_start)) {
-                partner = j;
-                break;
-            }
-        }
-        for (int j = index + 1; partner < 0 && j < m_entry.size() && !(entry->m_end < at(j)->m_start); ++j)
-            if (at(j)->m_type == entry->m_type)
-                partner = j;
+        int partner = partner_of(*entry, index - 1, index + 1);
         if (partner < 0)
             return index;
         ZBDateSetEntry* other = m_entry.extract(partner);
@@ -344,8 +354,16 @@ int ZBDateSet::safe_add(const ZBDateSlot& slot, int type, int hint, bool useFind
     (void)useFind;
     if (!slot.m_start.is_ok() || !slot.m_end.is_ok() || same_moment(slot.m_start, slot.m_end))
         return -1;
-    int index = put(new ZBDateSetEntry(ZBDateSlot(slot.m_start, slot.m_end, true), type), hint);
-    return join_type(index);
+    ZBDateSetEntry entry(ZBDateSlot(slot.m_start, slot.m_end, true), type);
+    int pos = place(entry, hint);
+    // Time given back mostly touches time of its type: growing that entry
+    // where it stands moves nothing else.
+    int partner = partner_of(entry, pos - 1, pos);
+    if (partner >= 0) {
+        ZBDateSlot::merge(*at(partner), entry, m_keepDuration);
+        return join_type(settle(partner));
+    }
+    return join_type(put(new ZBDateSetEntry(entry), pos));
 }
 
 int ZBDateSet::add(const ZBDateSet& other)

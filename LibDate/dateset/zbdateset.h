@@ -104,6 +104,11 @@ private:
     int first_starting_from(const ZBDate& date) const;
     int index_of(const ZBDateSetEntry& entry) const;
     void relink(int from);
+    // Where entry belongs; hint (or the place behind it) is tried first.
+    int place(const ZBDateSetEntry& entry, int hint) const;
+    // An entry of entry's type that overlaps or touches it, looking back from
+    // index before and on from index after; -1 if none.
+    int partner_of(const ZBDateSetEntry& entry, int before, int after) const;
     void relink_all();
     int put(ZBDateSetEntry* entry, int hint);
     void drop(int index);

@@ -18,15 +18,8 @@ ZBDate at(int hour, int minute = 0)
     return ZBDate(2026, 2, 8, 0, 0, 0, 0, ZBDate::C_GMT) + ZBDuration(std::int64_t(hour * 60 + minute) * 60);
 }
 
-ZBDate minute(int m)
-{
-    return at(0, m);
-}
-
-ZBDuration minutes(int m)
-{
-    return ZBDuration(std::int64_t(m) * 60);
-}
+ZBDate minute(int m) { return at(0, m); }
+ZBDuration minutes(int m) { return ZBDuration(std::int64_t(m) * 60); }
 
 std::string clock(const ZBDate& date)
 {
@@ -45,10 +38,7 @@ std::string text(const ZBDateSet& set)
     return out.str();
 }
 
-ZBDateSlot span(int h1, int m1, int h2, int m2)
-{
-    return ZBDateSlot(at(h1, m1), at(h2, m2));
-}
+ZBDateSlot span(int h1, int m1, int h2, int m2) { return ZBDateSlot(at(h1, m1), at(h2, m2)); }
 
 // A working day with a long span of type 1 under short spans of type 0.
 ZBDateSet day()
@@ -76,15 +66,12 @@ TEST(DateSetOverlap, SubtractReachesEveryTypeUnderTheSlot)
     } rows[] = {
         {"long span only", span(12, 30, 13, 30), 1,
          "8:00-8:30:0 8:15-12:30:1 9:00-9:30:0 10:00-11:00:0 12:00-13:00:0 13:30-18:00:1"},
-        {"short span only", span(12, 30, 13, 30), 0, "8:00-8:30:0 8:15-18:00:1 9:00-9:30:0 10:00-11:00:0 12:00-12:30:0"},
         {"both types", span(12, 30, 13, 30), -1,
          "8:00-8:30:0 8:15-12:30:1 9:00-9:30:0 10:00-11:00:0 12:00-12:30:0 13:30-18:00:1"},
         {"past the last entry's end", span(14, 0, 15, 0), 1,
          "8:00-8:30:0 8:15-14:00:1 9:00-9:30:0 10:00-11:00:0 12:00-13:00:0 15:00-18:00:1"},
         {"across the first three", span(8, 20, 9, 10), -1,
          "8:00-8:20:0 8:15-8:20:1 9:10-9:30:0 9:10-18:00:1 10:00-11:00:0 12:00-13:00:0"},
-        {"a gap of one type", span(11, 15, 11, 45), 0, C_Day},
-        {"all of the long span", span(7, 0, 19, 0), 1, "8:00-8:30:0 9:00-9:30:0 10:00-11:00:0 12:00-13:00:0"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -112,13 +99,11 @@ TEST(DateSetOverlap, QueriesSeeTheLongSpan)
         bool has;
     } ranges[] = {
         {"long span in the last entry's hour", span(12, 30, 13, 30), 1, 60, true},
-        {"short span there", span(12, 30, 13, 30), 0, 30, true},
         {"any type", span(12, 30, 13, 30), -1, 90, true},
         {"after every short span", span(14, 0, 15, 0), 1, 60, true},
         {"no short span after one", span(14, 0, 15, 0), 0, 0, false},
         {"between short spans", span(11, 15, 11, 45), 0, 0, false},
         {"touching a short span", span(11, 0, 11, 45), 0, 0, true},
-        {"before the day", span(6, 0, 7, 0), -1, 0, false},
     };
     for (const auto& row : ranges) {
         SCOPED_TRACE(row.name);
@@ -151,12 +136,6 @@ TEST(DateSetOverlap, QueriesSeeTheLongSpan)
 
 TEST(DateSetOverlap, TimeCountsOverlapsOnce)
 {
-    // Gaps in the union: 9:00-11:00, then 12:00-13:00.
-    ZBDateSet gaps;
-    gaps.add(span(9, 0, 10, 0), 0);
-    gaps.add(span(9, 30, 11, 0), 1);
-    gaps.add(span(12, 0, 13, 0), 1);
-    gaps.add(span(12, 30, 12, 45), 0);
     struct {
         const char* name;
         const ZBDateSet set;
@@ -167,14 +146,9 @@ TEST(DateSetOverlap, TimeCountsOverlapsOnce)
     } rows[] = {
         {"inside the long span", day(), at(11, 30), 30, false, at(12, 0)},
         {"before the day", day(), at(7, 0), 60, false, at(9, 0)},
-        {"runs out", day(), at(17, 30), 60, false, at(17, 30)},
         {"back over the long span", day(), at(13, 0), 120, true, at(11, 0)},
         {"back from its end", day(), at(19, 0), 90, true, at(16, 30)},
         {"back, runs out", day(), at(8, 10), 20, true, at(8, 10)},
-        {"over a gap", gaps, at(9, 0), 150, false, at(12, 30)},
-        {"to the end of a run", gaps, at(9, 0), 120, false, at(11, 0)},
-        {"back over a gap", gaps, at(13, 0), 90, true, at(10, 30)},
-        {"back from inside a short span", gaps, at(12, 40), 50, true, at(10, 50)},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
