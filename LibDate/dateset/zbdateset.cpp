@@ -20,9 +20,9 @@ const ZBObjectPreReg g_register("ZBDateSet", &ZBDateSet::create_zbobject);
 // scattered over the heap made a large bulk add wait on memory. Entries whose
 // keys are equal differ at most in the zone they are shown in, so their
 // order among themselves (kept as it was) cannot change a set.
-void sort_entries(ZBPtrArray<ZBDateSetEntry>& array)
+void sort_entries(std::vector<ZBDateSetEntry*>& array)
 {
-    const int n = array.size();
+    const int n = int(array.size());
     if (n < 2)
         return;
     struct Key {
@@ -44,12 +44,8 @@ void sort_entries(ZBPtrArray<ZBDateSetEntry>& array)
             return a.end < b.end;
         return a.type < b.type;
     });
-    array.set_managed(false);
-    array.clear();
-    array.reserve(n);
-    for (const Key& key : keys)
-        array.push_back(key.entry);
-    array.set_managed(true);
+    for (size_t i = 0; i < keys.size(); ++i)
+        array[i] = keys[i].entry;
 }
 
 ZBDate later(const ZBDate& a, const ZBDate& b)
@@ -71,17 +67,6 @@ bool same_moment(const ZBDate& a, const ZBDate& b)
 bool entry_less(const ZBDateSetEntry* a, const ZBDateSetEntry* b)
 {
     return zbdatesetentry_less(*a, *b);
-}
-
-// Puts entries back into the array, which takes over owning them.
-void refill(ZBPtrArray<ZBDateSetEntry>& array, const std::vector<ZBDateSetEntry*>& entries)
-{
-    array.set_managed(false);
-    array.clear();
-    array.reserve(int(entries.size()));
-    for (ZBDateSetEntry* entry : entries)
-        array.push_back(entry);
-    array.set_managed(true);
 }
 
 } // namespace
@@ -122,7 +107,7 @@ void ZBDateSet::dump(std::ostream& out, int indent) const
     writer.add("m_bulkSlot.size()", m_bulkSlot.size());
     for (int i = 0; i < m_entry.size(); ++i) {
         std::ostringstream text;
-        text << *m_entry[i];
+        text << *at(i);
         writer.add("m_entry", text.str(), i);
     }
     writer.write();
@@ -132,9 +117,20 @@ int ZBDateSet::serialise(std::istream* in, std::ostream* out, const std::string&
 {
     if (out && !m_bulkSlot.empty())
         finish_bulk_add();
-    ZBSrlValueArray<ZBDateSetEntry> entries(m_entry);
+    // The stream reads and writes a plain array: lent the entries for
+    // writing, handed what it read.
+    ZBPtrArray<ZBDateSetEntry> flat(in != nullptr);
+    if (!in)
+        for (int i = 0; i < m_entry.size(); ++i)
+            flat.push_back(at(i));
+    ZBSrlValueArray<ZBDateSetEntry> entries(flat);
     if (iszbwarn(serialise_value(in, out, prefix, "S", entries)))
         return zbpass(ZBLOC);
+    if (in) {
+        std::vector<ZBDateSetEntry*> read(flat.begin(), flat.end());
+        flat.set_managed(false);
+        m_entry.assign(read);
+    }
     serialise_field<bool>(in, out, prefix, "K", m_keepDuration, false);
     if (in) {
         // A hand-mended file may hold entries out of order or overlapping.
@@ -203,18 +199,36 @@ int ZBDateSet::first_reaching(const ZBDate& date, bool inclusive, int from) cons
 
 int ZBDateSet::first_starting_from(const ZBDate& date) const
 {
-    auto it = std::partition_point(m_entry.begin(), m_entry.end(),
-                                   [&date](const ZBDateSetEntry* entry) { return entry->m_start < date; });
-    return int(it - m_entry.begin());
+    int lo = 0;
+    int hi = m_entry.size();
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        if (at(mid)->m_start < date)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    return lo;
 }
 
 int ZBDateSet::index_of(const ZBDateSetEntry& entry) const
 {
     // Within one type entries never share a start, so the order's key is unique.
-    auto it = std::lower_bound(m_entry.begin(), m_entry.end(), &entry, entry_less);
-    if (it != m_entry.end() && *it == &entry)
-        return int(it - m_entry.begin());
-    return m_entry.index_of(&entry);
+    int lo = 0;
+    int hi = m_entry.size();
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        if (zbdatesetentry_less(*at(mid), entry))
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    if (lo < m_entry.size() && at(lo) == &entry)
+        return lo;
+    for (int i = 0; i < m_entry.size(); ++i)
+        if (at(i) == &entry)
+            return i;
+    return -1;
 }
 
 int ZBDateSet::place(const ZBDateSetEntry& entry, int hint) const
@@ -229,7 +243,16 @@ int ZBDateSet::place(const ZBDateSetEntry& entry, int hint) const
         return hint;
     if (fits(hint + 1))
         return hint + 1;
-    return int(std::upper_bound(m_entry.begin(), m_entry.end(), &entry, entry_less) - m_entry.begin());
+    int lo = 0;
+    int hi = n;
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        if (zbdatesetentry_less(entry, *at(mid)))
+            hi = mid;
+        else
+            lo = mid + 1;
+    }
+    return lo;
 }
 
 int ZBDateSet::put(ZBDateSetEntry* entry, int hint)
@@ -376,7 +399,8 @@ int ZBDateSet::add(const ZBDateSet& other)
     }
     // Both lists ascend, so each insertion starts where the last one stopped.
     int hint = 0;
-    for (const ZBDateSetEntry* entry : other.m_entry) {
+    for (int i = 0; i < other.size(); ++i) {
+        const ZBDateSetEntry* entry = other.at(i);
         int index = safe_add(*entry, entry->m_type, hint, true);
         if (index >= 0)
             hint = index;
@@ -406,7 +430,8 @@ void ZBDateSet::bulk_add(ZBDateSetEntry* entry)
 int ZBDateSet::finish_bulk_add()
 {
     int result = ZBErrC_ok;
-    m_entry.reserve(m_entry.size() + m_bulkSlot.size());
+    std::vector<ZBDateSetEntry*> all = m_entry.release();
+    all.reserve(all.size() + size_t(m_bulkSlot.size()));
     for (ZBDateSetEntry* nentry : m_bulkSlot) {
         // One missing entry costs none of the others.
         if (nentry == nullptr) {
@@ -414,20 +439,22 @@ int ZBDateSet::finish_bulk_add()
                 result = zberror(ZBErrC_Assert, ZBLOC, "Assertion Failed: nentry != nullptr");
             continue;
         }
-        m_entry.push_back(nentry);
+        all.push_back(nentry);
     }
     m_bulkSlot.set_managed(false);
     m_bulkSlot.clear();
     m_bulkSlot.set_managed(true);
+    m_entry.assign(all);
     cleanup(true);
     return result;
 }
 
 int ZBDateSet::cleanup(bool sort)
 {
+    std::vector<ZBDateSetEntry*> all = m_entry.release();
     std::vector<ZBDateSetEntry*> kept;
-    kept.reserve(size_t(m_entry.size()));
-    for (ZBDateSetEntry* entry : m_entry) {
+    kept.reserve(all.size());
+    for (ZBDateSetEntry* entry : all) {
         // A reversed or open-ended span can come from a bulk add or a mended
         // file. Open-ended spans have no length a set could count, so they go.
         if (entry->m_end < entry->m_start)
@@ -437,15 +464,14 @@ int ZBDateSet::cleanup(bool sort)
         else
             kept.push_back(entry);
     }
-    refill(m_entry, kept);
-    if (sort || !std::is_sorted(m_entry.begin(), m_entry.end(), entry_less))
-        sort_entries(m_entry);
+    if (sort || !std::is_sorted(kept.begin(), kept.end(), entry_less))
+        sort_entries(kept);
     // Each entry merges with the last kept one of its type, wherever the
     // entries of other types in between stand.
     std::map<int, ZBDateSetEntry*> lastOfType;
     bool merged = false;
-    kept.clear();
-    for (ZBDateSetEntry* entry : m_entry) {
+    all.clear();
+    for (ZBDateSetEntry* entry : kept) {
         ZBDateSetEntry*& last = lastOfType[entry->m_type];
         if (last && ZBDateSlot::merge(*last, *entry, m_keepDuration)) {
             delete entry;
@@ -453,12 +479,12 @@ int ZBDateSet::cleanup(bool sort)
             continue;
         }
         last = entry;
-        kept.push_back(entry);
+        all.push_back(entry);
     }
-    refill(m_entry, kept);
     // A merged entry ends later and may now belong behind another of its start.
-    if (merged && !std::is_sorted(m_entry.begin(), m_entry.end(), entry_less))
-        sort_entries(m_entry);
+    if (merged && !std::is_sorted(all.begin(), all.end(), entry_less))
+        sort_entries(all);
+    m_entry.assign(all);
     relink_all();
     return ZBErrC_ok;
 }
@@ -485,15 +511,15 @@ int ZBDateSet::subtract(const ZBDateSet& other)
         clear();
         return ZBErrC_ok;
     }
-    for (const ZBDateSetEntry* entry : other.m_entry)
-        subtract(*entry, -1);
+    for (int i = 0; i < other.size(); ++i)
+        subtract(*other.at(i), -1);
     return ZBErrC_ok;
 }
 
 int ZBDateSet::erase(int index)
 {
-    if (iszbwarn(m_entry.check_bounds(index, 0)))
-        return zbpass(ZBLOC);
+    if (index < 0 || index >= m_entry.size())
+        return zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, m_entry.size());
     drop(index);
     return ZBErrC_ok;
 }
@@ -502,6 +528,15 @@ void ZBDateSet::clear()
 {
     m_entry.clear();
     m_bulkSlot.clear();
+}
+
+const ZBDateSetEntry* ZBDateSet::operator[](int index) const
+{
+    if (index < 0 || index >= m_entry.size()) {
+        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, m_entry.size());
+        return nullptr;
+    }
+    return at(index);
 }
 
 ZBDate ZBDateSet::start() const
@@ -517,8 +552,8 @@ ZBDate ZBDateSet::end() const
 ZBDuration ZBDateSet::duration() const
 {
     ZBDuration total;
-    for (const ZBDateSetEntry* entry : m_entry)
-        total += entry->m_end - entry->m_start;
+    for (int i = 0; i < m_entry.size(); ++i)
+        total += at(i)->m_end - at(i)->m_start;
     return total;
 }
 
@@ -534,8 +569,8 @@ bool ZBDateSet::match(const ZBDate& date) const
 bool ZBDateSet::has_range(const ZBDateSlot& slot, int type) const
 {
     if (!slot.is_ok()) {
-        for (const ZBDateSetEntry* entry : m_entry)
-            if (entry->matches(type))
+        for (int i = 0; i < m_entry.size(); ++i)
+            if (at(i)->matches(type))
                 return true;
         return false;
     }
@@ -551,9 +586,9 @@ ZBDuration ZBDateSet::query_range(const ZBDateSlot& slot, int type) const
 {
     ZBDuration total;
     if (!slot.is_ok()) {
-        for (const ZBDateSetEntry* entry : m_entry)
-            if (entry->matches(type))
-                total += entry->m_end - entry->m_start;
+        for (int i = 0; i < m_entry.size(); ++i)
+            if (at(i)->matches(type))
+                total += at(i)->m_end - at(i)->m_start;
         return total;
     }
     for (int i = first_reaching(slot.m_start, false, 0); i < m_entry.size() && at(i)->m_start < slot.m_end; ++i) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LibCore/ptrarray/zbptrarray.h"
+#include "LibDate/dateset/zbdatesetblocks.h"
 #include "LibDate/dateset/zbdatesetentry.h"
 #include "LibObject/object/zbobject.h"
 
@@ -58,7 +60,8 @@ public:
 
     int size() const { return m_entry.size(); }
     bool empty() const { return m_entry.empty(); }
-    const ZBDateSetEntry* operator[](int index) const { return m_entry.at(index); }
+    // Out of bounds is reported and gives null.
+    const ZBDateSetEntry* operator[](int index) const;
     int bulk_size() const { return m_bulkSlot.size(); }
 
     // Queries. end() is the latest end of any entry, which with overlapping
@@ -96,7 +99,7 @@ public:
     int cleanup(bool sort);
 
 private:
-    ZBDateSetEntry* at(int index) const { return m_entry.begin()[index]; }
+    ZBDateSetEntry* at(int index) const { return m_entry.at(index); }
     // First index whose latest end so far is at or after date (inclusive) or
     // after it (not inclusive); size() when there is none.
     int first_reaching(const ZBDate& date, bool inclusive, int from) const;
@@ -121,7 +124,7 @@ private:
     template <class Visit>
     void walk_back(const ZBDate& cap, Visit&& visit) const;
 
-    ZBPtrArray<ZBDateSetEntry> m_entry;
+    ZBDateSetBlocks m_entry;
     ZBPtrArray<ZBDateSetEntry> m_bulkSlot;
     bool m_keepDuration;
 };
