@@ -100,12 +100,13 @@ public:
 
 private:
     ZBDateSetEntry* at(int index) const { return m_entry.at(index); }
-    // First index whose latest end so far is at or after date (inclusive) or
-    // after it (not inclusive); size() when there is none.
+    // First index from `from` on whose latest end so far is at or after date
+    // (inclusive) or after it (not inclusive); size() when there is none.
     int first_reaching(const ZBDate& date, bool inclusive, int from) const;
     // First index whose entry starts at or after date.
     int first_starting_from(const ZBDate& date) const;
     int index_of(const ZBDateSetEntry& entry) const;
+    // Brings the latest ends up to date from index from, after a change there.
     void relink(int from);
     // Where entry belongs; hint (or the place behind it) is tried first.
     int place(const ZBDateSetEntry& entry, int hint) const;
@@ -113,9 +114,13 @@ private:
     // index before and on from index after; -1 if none.
     int partner_of(const ZBDateSetEntry& entry, int before, int after) const;
     void relink_all();
+    // Inserts in order and gives the index.
     int put(ZBDateSetEntry* entry, int hint);
     void drop(int index);
+    // Moves an entry whose start or end changed to its place; gives the index.
     int settle(int index);
+    // Merges every entry of its type that overlaps or touches the entry at
+    // index into it; gives its index.
     int join_type(int index);
     // Takes from..to out of the entry at index, keeping what lies before and after it.
     void cut(int index, const ZBDate& from, const ZBDate& to);
