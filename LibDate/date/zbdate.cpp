@@ -497,6 +497,9 @@ ZBDate& ZBDate::operator-=(const ZBDuration& duration)
 
 ZBDuration ZBDate::operator-(const ZBDate& other) const
 {
+    // Blank and invalid dates are markers, not moments: no time lies between them.
+    if (!is_ok() || !other.is_ok())
+        return ZBDuration();
     std::int64_t micros = to_micros() - other.to_micros();
     return ZBDuration(0, micros / C_MicroSecs, int(micros % C_MicroSecs));
 }

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <ostream>
+#include <queue>
 #include <sstream>
 #include <vector>
 
@@ -18,9 +20,9 @@ const ZBObjectPreReg g_register("ZBDateSet", &ZBDateSet::create_zbobject);
 // scattered over the heap made a large bulk add wait on memory. Entries whose
 // keys are equal differ at most in the zone they are shown in, so their
 // order among themselves (kept as it was) cannot change a set.
-void sort_entries(ZBPtrArray<ZBDateSetEntry>& array)
+void sort_entries(std::vector<ZBDateSetEntry*>& array)
 {
-    const int n = array.size();
+    const int n = int(array.size());
     if (n < 2)
         return;
     struct Key {
@@ -42,12 +44,8 @@ void sort_entries(ZBPtrArray<ZBDateSetEntry>& array)
             return a.end < b.end;
         return a.type < b.type;
     });
-    array.set_managed(false);
-    array.clear();
-    array.reserve(n);
-    for (const Key& key : keys)
-        array.push_back(key.entry);
-    array.set_managed(true);
+    for (size_t i = 0; i < keys.size(); ++i)
+        array[i] = keys[i].entry;
 }
 
 ZBDate later(const ZBDate& a, const ZBDate& b)
@@ -58,6 +56,17 @@ ZBDate later(const ZBDate& a, const ZBDate& b)
 ZBDate earlier(const ZBDate& a, const ZBDate& b)
 {
     return a < b ? a : b;
+}
+
+// Equal as moments, whatever zone each is shown in.
+bool same_moment(const ZBDate& a, const ZBDate& b)
+{
+    return !(a < b) && !(b < a);
+}
+
+bool entry_less(const ZBDateSetEntry* a, const ZBDateSetEntry* b)
+{
+    return zbdatesetentry_less(*a, *b);
 }
 
 } // namespace
@@ -98,7 +107,7 @@ void ZBDateSet::dump(std::ostream& out, int indent) const
     writer.add("m_bulkSlot.size()", m_bulkSlot.size());
     for (int i = 0; i < m_entry.size(); ++i) {
         std::ostringstream text;
-        text << *m_entry[i];
+        text << *at(i);
         writer.add("m_entry", text.str(), i);
     }
     writer.write();
@@ -108,9 +117,20 @@ int ZBDateSet::serialise(std::istream* in, std::ostream* out, const std::string&
 {
     if (out && !m_bulkSlot.empty())
         finish_bulk_add();
-    ZBSrlValueArray<ZBDateSetEntry> entries(m_entry);
+    // The stream reads and writes a plain array: lent the entries for
+    // writing, handed what it read.
+    ZBPtrArray<ZBDateSetEntry> flat(in != nullptr);
+    if (!in)
+        for (int i = 0; i < m_entry.size(); ++i)
+            flat.push_back(at(i));
+    ZBSrlValueArray<ZBDateSetEntry> entries(flat);
     if (iszbwarn(serialise_value(in, out, prefix, "S", entries)))
         return zbpass(ZBLOC);
+    if (in) {
+        std::vector<ZBDateSetEntry*> read(flat.begin(), flat.end());
+        flat.set_managed(false);
+        m_entry.assign(read);
+    }
     serialise_field<bool>(in, out, prefix, "K", m_keepDuration, false);
     if (in) {
         // A hand-mended file may hold entries out of order or overlapping.
@@ -138,46 +158,211 @@ void ZBDateSet::set_defaults(bool all)
         clear_unhandled_data();
 }
 
-int ZBDateSet::insert_sorted(ZBDateSetEntry* entry, int from, bool binary)
+// The index: each entry's m_reach is the latest end of all entries up to it.
+// A change at one place alters the reaches after it only until they agree
+// with what was there, which in a set without long overlaps is at once.
+void ZBDateSet::relink(int from)
 {
-    int n = m_entry.size();
-    int pos = safe_find(entry->m_start, std::max(0, std::min(from, n)), binary);
-    // A hint past the right place would misplace the entry: start again.
-    if (pos > 0 && pos <= n && zbdatesetentry_less(*entry, *m_entry[pos - 1]))
-        pos = safe_find(entry->m_start, 0, true);
-    // Among the entries from pos on, those that sort before the new one are
-    // found by halving as well, since starts ascend.
-    auto it = std::upper_bound(m_entry.begin() + pos, m_entry.end(), entry,
-                               [](const ZBDateSetEntry* x, const ZBDateSetEntry* y) { return zbdatesetentry_less(*x, *y); });
-    pos = int(it - m_entry.begin());
+    const int n = m_entry.size();
+    for (int j = std::max(from, 0); j < n; ++j) {
+        ZBDateSetEntry* entry = at(j);
+        ZBDate reach = j == 0 ? entry->m_end : later(at(j - 1)->m_reach, entry->m_end);
+        if (same_moment(reach, entry->m_reach))
+            return;
+        entry->m_reach = reach;
+    }
+}
+
+void ZBDateSet::relink_all()
+{
+    const int n = m_entry.size();
+    for (int j = 0; j < n; ++j) {
+        ZBDateSetEntry* entry = at(j);
+        entry->m_reach = j == 0 ? entry->m_end : later(at(j - 1)->m_reach, entry->m_end);
+    }
+}
+
+int ZBDateSet::first_reaching(const ZBDate& date, bool inclusive, int from) const
+{
+    int lo = std::max(from, 0);
+    int hi = m_entry.size();
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        const ZBDate& reach = at(mid)->m_reach;
+        if (inclusive ? !(reach < date) : date < reach)
+            hi = mid;
+        else
+            lo = mid + 1;
+    }
+    return lo;
+}
+
+int ZBDateSet::first_starting_from(const ZBDate& date) const
+{
+    int lo = 0;
+    int hi = m_entry.size();
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        if (at(mid)->m_start < date)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    return lo;
+}
+
+int ZBDateSet::index_of(const ZBDateSetEntry& entry) const
+{
+    // Within one type entries never share a start, so the order's key is unique.
+    int lo = 0;
+    int hi = m_entry.size();
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        if (zbdatesetentry_less(*at(mid), entry))
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    if (lo < m_entry.size() && at(lo) == &entry)
+        return lo;
+    for (int i = 0; i < m_entry.size(); ++i)
+        if (at(i) == &entry)
+            return i;
+    return -1;
+}
+
+int ZBDateSet::place(const ZBDateSetEntry& entry, int hint) const
+{
+    const int n = m_entry.size();
+    auto fits = [&](int pos) {
+        return pos >= 0 && pos <= n && (pos == 0 || !zbdatesetentry_less(entry, *at(pos - 1)))
+            && (pos == n || zbdatesetentry_less(entry, *at(pos)));
+    };
+    // A walk in date order adds at or just behind the last place.
+    if (fits(hint))
+        return hint;
+    if (fits(hint + 1))
+        return hint + 1;
+    int lo = 0;
+    int hi = n;
+    while (lo < hi) {
+        int mid = lo + (hi - lo) / 2;
+        if (zbdatesetentry_less(entry, *at(mid)))
+            hi = mid;
+        else
+            lo = mid + 1;
+    }
+    return lo;
+}
+
+int ZBDateSet::put(ZBDateSetEntry* entry, int hint)
+{
+    int pos = place(*entry, hint);
+    entry->m_reach = ZBDate(ZBDate::E_Invalid);
     m_entry.insert(pos, entry);
+    relink(pos);
     return pos;
 }
 
-int ZBDateSet::merge_around(int index)
+int ZBDateSet::partner_of(const ZBDateSetEntry& entry, int before, int after) const
 {
-    bool changed = true;
-    while (changed) {
-        changed = false;
-        while (index + 1 < m_entry.size()) {
-            ZBDateSetEntry* a = m_entry[index];
-            ZBDateSetEntry* b = m_entry[index + 1];
-            if (a->m_type != b->m_type || !ZBDateSlot::merge(*a, *b, m_keepDuration))
-                break;
-            m_entry.remove(index + 1);
-            changed = true;
-        }
-        if (index > 0) {
-            ZBDateSetEntry* a = m_entry[index - 1];
-            ZBDateSetEntry* b = m_entry[index];
-            if (a->m_type == b->m_type && ZBDateSlot::merge(*a, *b, m_keepDuration)) {
-                m_entry.remove(index);
-                --index;
-                changed = true;
-            }
-        }
+    // Nothing at or before j can touch the entry once the latest end so far
+    // falls short of its start.
+    for (int j = before; j >= 0 && !(at(j)->m_reach < entry.m_start); --j) {
+        const ZBDateSetEntry* other = at(j);
+        if (other->m_type == entry.m_type && !(other->m_end < entry.m_start))
+            return j;
     }
-    return index;
+    for (int j = after; j < m_entry.size() && !(entry.m_end < at(j)->m_start); ++j)
+        if (at(j)->m_type == entry.m_type)
+            return j;
+    return -1;
+}
+
+void ZBDateSet::drop(int index)
+{
+    m_entry.remove(index);
+    relink(index);
+}
+
+int ZBDateSet::settle(int index)
+{
+    ZBDateSetEntry* entry = at(index);
+    const int n = m_entry.size();
+    if ((index == 0 || entry_less(at(index - 1), entry)) && (index + 1 == n || entry_less(entry, at(index + 1)))) {
+        relink(index);
+        return index;
+    }
+    m_entry.extract(index);
+    relink(index);
+    return put(entry, index);
+}
+
+int ZBDateSet::join_type(int index)
+{
+    for (;;) {
+        ZBDateSetEntry* entry = at(index);
+        int partner = partner_of(*entry, index - 1, index + 1);
+        if (partner < 0)
+            return index;
+        ZBDateSetEntry* other = m_entry.extract(partner);
+        relink(partner);
+        if (partner < index)
+            --index;
+        ZBDateSlot::merge(*entry, *other, m_keepDuration);
+        delete other;
+        index = settle(index);
+    }
+}
+
+void ZBDateSet::cut(int index, const ZBDate& from, const ZBDate& to)
+{
+    ZBDateSetEntry* entry = at(index);
+    const bool before = entry->m_start < from;
+    const bool after = to < entry->m_end;
+    if (!before && !after) {
+        drop(index);
+        return;
+    }
+    if (before && after) {
+        ZBDateSetEntry* rest = new ZBDateSetEntry(to, entry->m_end, entry->m_type);
+        entry->m_end = from;
+        index = settle(index);
+        put(rest, index + 1);
+        return;
+    }
+    if (before)
+        entry->m_end = from;
+    else
+        entry->m_start = to;
+    settle(index);
+}
+
+template <class Visit>
+void ZBDateSet::walk_back(const ZBDate& cap, Visit&& visit) const
+{
+    struct Item {
+        ZBDate end;
+        int index;
+    };
+    auto below = [](const Item& a, const Item& b) {
+        return a.end < b.end || (!(b.end < a.end) && a.index < b.index);
+    };
+    std::priority_queue<Item, std::vector<Item>, decltype(below)> heap(below);
+    int next = first_starting_from(cap) - 1;
+    for (;;) {
+        // An entry not yet looked at can end no later than the reach at next.
+        while (next >= 0 && (heap.empty() || heap.top().end < earlier(at(next)->m_reach, cap))) {
+            heap.push({earlier(at(next)->m_end, cap), next});
+            --next;
+        }
+        if (heap.empty())
+            return;
+        Item item = heap.top();
+        heap.pop();
+        if (!visit(item.index, item.end))
+            return;
+    }
 }
 
 int ZBDateSet::add(const ZBDateSlot& slot, int type)
@@ -188,11 +373,20 @@ int ZBDateSet::add(const ZBDateSlot& slot, int type)
 
 int ZBDateSet::safe_add(const ZBDateSlot& slot, int type, int hint, bool useFind)
 {
-    if (!slot.m_start.is_ok() || !slot.m_end.is_ok() || slot.m_start == slot.m_end)
+    // The place is always found by halving; a hint that fits only saves that.
+    (void)useFind;
+    if (!slot.m_start.is_ok() || !slot.m_end.is_ok() || same_moment(slot.m_start, slot.m_end))
         return -1;
-    ZBDateSetEntry* entry = new ZBDateSetEntry(ZBDateSlot(slot.m_start, slot.m_end, true), type);
-    int index = insert_sorted(entry, hint, useFind);
-    return merge_around(index);
+    ZBDateSetEntry entry(ZBDateSlot(slot.m_start, slot.m_end, true), type);
+    int pos = place(entry, hint);
+    // Time given back mostly touches time of its type: growing that entry
+    // where it stands moves nothing else.
+    int partner = partner_of(entry, pos - 1, pos);
+    if (partner >= 0) {
+        ZBDateSlot::merge(*at(partner), entry, m_keepDuration);
+        return join_type(settle(partner));
+    }
+    return join_type(put(new ZBDateSetEntry(entry), pos));
 }
 
 int ZBDateSet::add(const ZBDateSet& other)
@@ -205,7 +399,8 @@ int ZBDateSet::add(const ZBDateSet& other)
     }
     // Both lists ascend, so each insertion starts where the last one stopped.
     int hint = 0;
-    for (const ZBDateSetEntry* entry : other.m_entry) {
+    for (int i = 0; i < other.size(); ++i) {
+        const ZBDateSetEntry* entry = other.at(i);
         int index = safe_add(*entry, entry->m_type, hint, true);
         if (index >= 0)
             hint = index;
@@ -217,12 +412,7 @@ int ZBDateSet::add_return(ZBDateSet& other)
 {
     if (&other == this)
         return ZBErrC_ok;
-    int hint = 0;
-    for (const ZBDateSetEntry* entry : other.m_entry) {
-        int index = safe_add(*entry, entry->m_type, hint, true);
-        if (index >= 0)
-            hint = index;
-    }
+    add(other);
     other.clear();
     return ZBErrC_ok;
 }
@@ -232,91 +422,86 @@ void ZBDateSet::bulk_add(const ZBDateSlot& slot, int type)
     m_bulkSlot.push_back(new ZBDateSetEntry(slot, type));
 }
 
+void ZBDateSet::bulk_add(ZBDateSetEntry* entry)
+{
+    m_bulkSlot.push_back(entry);
+}
+
 int ZBDateSet::finish_bulk_add()
 {
-    m_entry.reserve(m_entry.size() + m_bulkSlot.size());
-    for (int i = 0; i < m_bulkSlot.size(); ++i) {
-        ZBDateSetEntry* entry = m_bulkSlot[i];
-        if (ZBASSERT(entry != nullptr)) {
-            m_bulkSlot.set_managed(false);
-            m_bulkSlot.clear();
-            m_bulkSlot.set_managed(true);
-            return zbpass(ZBLOC);
+    int result = ZBErrC_ok;
+    std::vector<ZBDateSetEntry*> all = m_entry.release();
+    all.reserve(all.size() + size_t(m_bulkSlot.size()));
+    for (ZBDateSetEntry* nentry : m_bulkSlot) {
+        // One missing entry costs none of the others.
+        if (nentry == nullptr) {
+            if (!iszbwarn(result))
+                result = zberror(ZBErrC_Assert, ZBLOC, "Assertion Failed: nentry != nullptr");
+            continue;
         }
-        m_entry.push_back(entry);
+        all.push_back(nentry);
     }
     m_bulkSlot.set_managed(false);
     m_bulkSlot.clear();
     m_bulkSlot.set_managed(true);
-    return cleanup(true);
+    m_entry.assign(all);
+    cleanup(true);
+    return result;
 }
 
 int ZBDateSet::cleanup(bool sort)
 {
-    int n = m_entry.size();
-    // Empty entries go first, so that they cannot stop two others merging.
+    std::vector<ZBDateSetEntry*> all = m_entry.release();
     std::vector<ZBDateSetEntry*> kept;
-    kept.reserve(size_t(n));
-    for (ZBDateSetEntry* entry : m_entry) {
-        if (entry->m_start == entry->m_end || !entry->m_start.is_ok())
+    kept.reserve(all.size());
+    for (ZBDateSetEntry* entry : all) {
+        // A reversed or open-ended span can come from a bulk add or a mended
+        // file. Open-ended spans have no length a set could count, so they go.
+        if (entry->m_end < entry->m_start)
+            std::swap(entry->m_start, entry->m_end);
+        if (!entry->m_start.is_ok() || !entry->m_end.is_ok() || same_moment(entry->m_start, entry->m_end))
             delete entry;
         else
             kept.push_back(entry);
     }
-    m_entry.set_managed(false);
-    m_entry.clear();
-    for (ZBDateSetEntry* entry : kept)
-        m_entry.push_back(entry);
-    m_entry.set_managed(true);
-    if (sort && m_entry.size() > 1)
-        sort_entries(m_entry);
-    // One pass that merges neighbours of one type into a new list, instead of
-    // removing from the middle of the array once per merge.
-    kept.clear();
-    for (ZBDateSetEntry* entry : m_entry) {
-        ZBDateSetEntry* last = kept.empty() ? nullptr : kept.back();
-        if (last && last->m_type == entry->m_type && ZBDateSlot::merge(*last, *entry, m_keepDuration))
+    if (sort || !std::is_sorted(kept.begin(), kept.end(), entry_less))
+        sort_entries(kept);
+    // Each entry merges with the last kept one of its type, wherever the
+    // entries of other types in between stand.
+    std::map<int, ZBDateSetEntry*> lastOfType;
+    bool merged = false;
+    all.clear();
+    for (ZBDateSetEntry* entry : kept) {
+        ZBDateSetEntry*& last = lastOfType[entry->m_type];
+        if (last && ZBDateSlot::merge(*last, *entry, m_keepDuration)) {
             delete entry;
-        else
-            kept.push_back(entry);
+            merged = true;
+            continue;
+        }
+        last = entry;
+        all.push_back(entry);
     }
-    m_entry.set_managed(false);
-    m_entry.clear();
-    for (ZBDateSetEntry* entry : kept)
-        m_entry.push_back(entry);
-    m_entry.set_managed(true);
+    // A merged entry ends later and may now belong behind another of its start.
+    if (merged && !std::is_sorted(all.begin(), all.end(), entry_less))
+        sort_entries(all);
+    m_entry.assign(all);
+    relink_all();
     return ZBErrC_ok;
 }
 
 int ZBDateSet::subtract(const ZBDateSlot& slot, int type)
 {
-    if (m_entry.empty() || slot.m_start >= end() || slot.m_end <= start())
+    ZBDateSlot span(slot.m_start, slot.m_end, true);
+    if (m_entry.empty() || !span.m_start.is_ok() || !span.m_end.is_ok() || !(span.m_start < end())
+        || !(start() < span.m_end))
         return ZBErrC_ok;
-    int i = safe_find(slot.m_start, 0, true);
-    // An entry of another type may start earlier and reach into the slot.
-    while (i > 0 && m_entry[i - 1]->m_end > slot.m_start)
-        --i;
-    while (i < m_entry.size() && m_entry[i]->m_start < slot.m_end) {
-        ZBDateSetEntry* entry = m_entry[i];
-        if (!entry->matches(type) || !ZBDateSlot::intersects(*entry, slot)) {
-            ++i;
-            continue;
-        }
-        ZBDateSlot overlap;
-        ZBDateSlot rest;
-        ZBDateSlot::subtract(*entry, slot, overlap, rest);
-        int entryType = entry->m_type;
-        if (rest.m_start != rest.m_end)
-            safe_add(rest, entryType, i + 1, true); // starts at slot end: always behind i
-        if (entry->m_start == entry->m_end) {
-            m_entry.remove(i);
-            // Whatever now stands together here may be of one type.
-            if (i > 0 && i < m_entry.size())
-                merge_around(i);
-        } else {
-            ++i;
-        }
-    }
+    std::vector<ZBDateSetEntry*> hit;
+    for (int i = first_reaching(span.m_start, false, 0); i < m_entry.size() && at(i)->m_start < span.m_end; ++i)
+        if (at(i)->matches(type) && ZBDateSlot::intersects(*at(i), span))
+            hit.push_back(at(i));
+    // Cutting one entry leaves every other where it was.
+    for (ZBDateSetEntry* entry : hit)
+        cut(index_of(*entry), later(entry->m_start, span.m_start), earlier(entry->m_end, span.m_end));
     return ZBErrC_ok;
 }
 
@@ -326,15 +511,16 @@ int ZBDateSet::subtract(const ZBDateSet& other)
         clear();
         return ZBErrC_ok;
     }
-    for (const ZBDateSetEntry* entry : other.m_entry)
-        subtract(*entry, -1);
+    for (int i = 0; i < other.size(); ++i)
+        subtract(*other.at(i), -1);
     return ZBErrC_ok;
 }
 
 int ZBDateSet::erase(int index)
 {
-    if (iszbwarn(m_entry.remove(index)))
-        return zbpass(ZBLOC);
+    if (index < 0 || index >= m_entry.size())
+        return zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, m_entry.size());
+    drop(index);
     return ZBErrC_ok;
 }
 
@@ -344,6 +530,15 @@ void ZBDateSet::clear()
     m_bulkSlot.clear();
 }
 
+const ZBDateSetEntry* ZBDateSet::operator[](int index) const
+{
+    if (index < 0 || index >= m_entry.size()) {
+        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, m_entry.size());
+        return nullptr;
+    }
+    return at(index);
+}
+
 ZBDate ZBDateSet::start() const
 {
     return m_entry.empty() ? ZBDate(ZBDate::E_Blank) : m_entry.first()->m_start;
@@ -351,43 +546,37 @@ ZBDate ZBDateSet::start() const
 
 ZBDate ZBDateSet::end() const
 {
-    return m_entry.empty() ? ZBDate(ZBDate::E_Blank) : m_entry.last()->m_end;
+    return m_entry.empty() ? ZBDate(ZBDate::E_Blank) : m_entry.last()->m_reach;
 }
 
 ZBDuration ZBDateSet::duration() const
 {
     ZBDuration total;
-    for (const ZBDateSetEntry* entry : m_entry)
-        total += entry->m_end - entry->m_start;
+    for (int i = 0; i < m_entry.size(); ++i)
+        total += at(i)->m_end - at(i)->m_start;
     return total;
 }
 
 bool ZBDateSet::match(const ZBDate& date) const
 {
-    // An entry that ends exactly at date still holds it.
-    for (int i = std::max(0, safe_find(date, 0, true) - 1); i < m_entry.size(); ++i) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        if (entry->m_start > date)
-            break;
-        if (entry->within(date))
-            return true;
-    }
-    return false;
+    // The first entry reaching the date ends at or after it; if that one
+    // starts after it, so does every later one. An entry ending exactly at
+    // date still holds it.
+    int i = first_reaching(date, true, 0);
+    return i < m_entry.size() && !(date < at(i)->m_start);
 }
 
 bool ZBDateSet::has_range(const ZBDateSlot& slot, int type) const
 {
     if (!slot.is_ok()) {
-        for (const ZBDateSetEntry* entry : m_entry)
-            if (entry->matches(type))
+        for (int i = 0; i < m_entry.size(); ++i)
+            if (at(i)->matches(type))
                 return true;
         return false;
     }
-    for (int i = safe_find(slot.m_start, 0, true); i < m_entry.size(); ++i) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        if (entry->m_start > slot.m_end)
-            break;
-        if (entry->matches(type) && entry->m_end >= slot.m_start)
+    for (int i = first_reaching(slot.m_start, true, 0); i < m_entry.size() && !(slot.m_end < at(i)->m_start); ++i) {
+        const ZBDateSetEntry* entry = at(i);
+        if (entry->matches(type) && !(entry->m_end < slot.m_start))
             return true;
     }
     return false;
@@ -397,15 +586,13 @@ ZBDuration ZBDateSet::query_range(const ZBDateSlot& slot, int type) const
 {
     ZBDuration total;
     if (!slot.is_ok()) {
-        for (const ZBDateSetEntry* entry : m_entry)
-            if (entry->matches(type))
-                total += entry->m_end - entry->m_start;
+        for (int i = 0; i < m_entry.size(); ++i)
+            if (at(i)->matches(type))
+                total += at(i)->m_end - at(i)->m_start;
         return total;
     }
-    for (int i = safe_find(slot.m_start, 0, true); i < m_entry.size(); ++i) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        if (entry->m_start >= slot.m_end)
-            break;
+    for (int i = first_reaching(slot.m_start, false, 0); i < m_entry.size() && at(i)->m_start < slot.m_end; ++i) {
+        const ZBDateSetEntry* entry = at(i);
         ZBDateSlot common;
         if (entry->matches(type) && ZBDateSlot::intersection(*entry, slot, common))
             total += common.m_end - common.m_start;
@@ -415,15 +602,15 @@ ZBDuration ZBDateSet::query_range(const ZBDateSlot& slot, int type) const
 
 int ZBDateSet::query_range(const ZBDateSlot& slot, ZBDateSet& outSet) const
 {
+    if (&outSet == this)
+        return ZBErrC_ok;
     outSet.clear();
-    for (int i = slot.is_ok() ? safe_find(slot.m_start, 0, true) : 0; i < m_entry.size(); ++i) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        if (!slot.is_ok()) {
-            outSet.bulk_add(*entry, entry->m_type);
-            continue;
-        }
-        if (entry->m_start >= slot.m_end)
-            break;
+    if (!slot.is_ok()) {
+        outSet.m_entry = m_entry;
+        return ZBErrC_ok;
+    }
+    for (int i = first_reaching(slot.m_start, false, 0); i < m_entry.size() && at(i)->m_start < slot.m_end; ++i) {
+        const ZBDateSetEntry* entry = at(i);
         ZBDateSlot common;
         if (ZBDateSlot::intersection(*entry, slot, common))
             outSet.bulk_add(common, entry->m_type);
@@ -440,66 +627,74 @@ ZBDate ZBDateSet::time_after(const ZBDuration& duration) const
 
 ZBDate ZBDateSet::time_after(const ZBDate& date, const ZBDuration& duration) const
 {
+    // Entries come in order of start, so what is counted so far always ends
+    // at the cursor; an overlapping entry adds only what lies past it.
     ZBDuration remaining = duration;
-    for (int i = safe_find(date, 0, true); i < m_entry.size(); ++i) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        ZBDate from = later(entry->m_start, date);
-        if (from >= entry->m_end)
+    ZBDate cursor = date;
+    for (int i = first_reaching(date, false, 0); i < m_entry.size(); ++i) {
+        const ZBDateSetEntry* entry = at(i);
+        if (!(cursor < entry->m_end))
             continue;
+        ZBDate from = later(entry->m_start, cursor);
         ZBDuration available = entry->m_end - from;
-        if (available >= remaining)
+        if (!(available < remaining))
             return from + remaining;
         remaining -= available;
+        cursor = entry->m_end;
     }
     return date;
 }
 
 ZBDate ZBDateSet::time_before(const ZBDate& date, const ZBDuration& duration) const
 {
+    // Entries come latest end first, so what is counted so far always starts
+    // at the cursor; an overlapping entry adds only what lies before it.
     ZBDuration remaining = duration;
-    for (int i = safe_rfind(date, -1, true); i >= 0; --i) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        ZBDate to = earlier(entry->m_end, date);
-        if (to <= entry->m_start)
-            continue;
-        ZBDuration available = to - entry->m_start;
-        if (available >= remaining)
-            return to - remaining;
+    ZBDate cursor = date;
+    ZBDate result = date;
+    walk_back(date, [&](int index, const ZBDate& end) {
+        const ZBDateSetEntry* entry = at(index);
+        ZBDate top = earlier(end, cursor);
+        if (!(entry->m_start < top))
+            return true;
+        ZBDuration available = top - entry->m_start;
+        if (!(available < remaining)) {
+            result = top - remaining;
+            return false;
+        }
         remaining -= available;
-    }
-    return date;
+        cursor = entry->m_start;
+        return true;
+    });
+    return result;
 }
 
 int ZBDateSet::safe_find(const ZBDate& date, int from, bool binary) const
 {
-    int n = m_entry.size();
+    const int n = m_entry.size();
     if (n == 0)
         return 0;
-    if (from < 0)
-        from = 0;
-    if (from >= n)
-        from = n - 1;
-    if (m_entry[from]->m_end >= date)
+    from = std::min(std::max(from, 0), n - 1);
+    if (!(at(from)->m_end < date))
         return from;
-    if (date >= m_entry[n - 1]->m_end)
+    if (!(date < end()))
         return n;
-    if (!binary) {
-        int i = from;
-        while (i < n && m_entry[i]->m_end < date)
+    // A hint behind an entry that already reaches the date: the answer lies
+    // among entries wedged under a longer one, found by walking.
+    if (from > 0 && !(at(from - 1)->m_reach < date)) {
+        int i = from + 1;
+        while (i < n && at(i)->m_end < date)
             ++i;
         return i;
     }
-    // Entry from ends before date, the last one after it.
-    int lo = from;
-    int hi = n - 1;
-    while (hi - lo > 1) {
-        int mid = lo + (hi - lo) / 2;
-        if (m_entry[mid]->m_end >= date)
-            hi = mid;
-        else
-            lo = mid;
-    }
-    return hi;
+    // From here on the first entry whose reach gets to the date is itself
+    // the first to end there.
+    if (binary)
+        return first_reaching(date, true, from + 1);
+    int i = from + 1;
+    while (i < n && at(i)->m_reach < date)
+        ++i;
+    return i;
 }
 
 int ZBDateSet::safe_rfind(const ZBDate& date, int from, bool binary) const
@@ -509,13 +704,13 @@ int ZBDateSet::safe_rfind(const ZBDate& date, int from, bool binary) const
         return -1;
     if (from < 0 || from >= n)
         from = n - 1;
-    if (m_entry[from]->m_start <= date)
+    if (!(date < at(from)->m_start))
         return from;
-    if (date <= m_entry[0]->m_start)
+    if (!(at(0)->m_start < date))
         return -1;
     if (!binary) {
         int i = from;
-        while (i >= 0 && m_entry[i]->m_start > date)
+        while (i >= 0 && date < at(i)->m_start)
             --i;
         return i;
     }
@@ -524,7 +719,7 @@ int ZBDateSet::safe_rfind(const ZBDate& date, int from, bool binary) const
     int hi = from;
     while (hi - lo > 1) {
         int mid = lo + (hi - lo) / 2;
-        if (m_entry[mid]->m_start <= date)
+        if (!(date < at(mid)->m_start))
             lo = mid;
         else
             hi = mid;
@@ -532,85 +727,61 @@ int ZBDateSet::safe_rfind(const ZBDate& date, int from, bool binary) const
     return lo;
 }
 
-void ZBDateSet::carve(int index, const ZBDateSlot& taken, int& next)
-{
-    ZBDateSetEntry* entry = m_entry[index];
-    ZBDateSetEntry after(taken.m_end, entry->m_end, entry->m_type);
-    entry->m_end = taken.m_start;
-    next = index + 1;
-    if (after.m_start != after.m_end) {
-        if (entry->m_start == entry->m_end) {
-            *entry = after;
-        } else {
-            m_entry.insert(index + 1, new ZBDateSetEntry(after));
-        }
-    } else if (entry->m_start == entry->m_end) {
-        m_entry.remove(index);
-        next = index;
-    }
-}
-
 ZBDuration ZBDateSet::allocate(ZBDateSet& returnSet, const ZBDuration& duration, const ZBDate& earliest,
                                const ZBDate& latest, bool backwards)
 {
     ZBDuration sum;
-    if (&returnSet == this || duration <= 0)
+    if (&returnSet == this || !(ZBDuration() < duration) || m_entry.empty())
         return sum;
-    int hint = 0;
+    // The takes are chosen first and cut afterwards, so that the walk sees a
+    // set that does not move under it. Each entry gives at most one take.
+    struct Take {
+        ZBDateSetEntry* entry;
+        ZBDate from;
+        ZBDate to;
+    };
+    std::vector<Take> takes;
     // Only a latest date gives a backward walk somewhere to start; without
     // one the time comes from the front, as it does going forwards.
     if (!backwards || !latest.is_ok()) {
-        int i = earliest.is_ok() ? std::max(safe_find(earliest, 0, true) - 1, 0) : 0;
-        while (i < m_entry.size() && sum < duration) {
-            const ZBDateSetEntry* entry = m_entry[i];
-            if (earliest.is_ok() && entry->m_end <= earliest) {
-                ++i;
-                continue;
-            }
-            if (latest.is_ok() && entry->m_start >= latest)
+        // In order of start, an entry that reaches earliest offers time from
+        // earliest itself, any later one from its start: earliest time first.
+        const int n = m_entry.size();
+        for (int i = earliest.is_ok() ? first_reaching(earliest, false, 0) : 0; i < n && sum < duration; ++i) {
+            ZBDateSetEntry* entry = at(i);
+            if (latest.is_ok() && !(entry->m_start < latest))
                 break;
             ZBDate from = earliest.is_ok() ? later(earliest, entry->m_start) : entry->m_start;
             ZBDate to = earlier(from + (duration - sum), entry->m_end);
             if (latest.is_ok())
                 to = earlier(to, latest);
-            if (to <= from) {
-                ++i;
+            if (!(from < to))
                 continue;
-            }
-            ZBDateSlot taken(from, to);
-            int type = entry->m_type;
-            carve(i, taken, i);
+            takes.push_back({entry, from, to});
             sum += to - from;
-            int index = returnSet.safe_add(taken, type, hint, true);
-            if (index >= 0)
-                hint = index;
         }
-        return sum;
+    } else {
+        walk_back(latest, [&](int index, const ZBDate& end) {
+            if (!(sum < duration) || (earliest.is_ok() && !(earliest < end)))
+                return false;
+            ZBDateSetEntry* entry = at(index);
+            ZBDate from = later(end - (duration - sum), entry->m_start);
+            if (earliest.is_ok())
+                from = later(from, earliest);
+            if (from < end) {
+                takes.push_back({entry, from, end});
+                sum += end - from;
+            }
+            return true;
+        });
     }
-    int i = latest.is_ok() ? safe_rfind(latest, -1, true) : m_entry.size() - 1;
-    while (i >= 0 && i < m_entry.size() && sum < duration) {
-        const ZBDateSetEntry* entry = m_entry[i];
-        if (latest.is_ok() && entry->m_start >= latest) {
-            --i;
-            continue;
-        }
-        if (earliest.is_ok() && entry->m_end <= earliest)
-            break;
-        ZBDate to = latest.is_ok() ? earlier(latest, entry->m_end) : entry->m_end;
-        ZBDate from = later(to - (duration - sum), entry->m_start);
-        if (earliest.is_ok())
-            from = later(from, earliest);
-        if (to <= from) {
-            --i;
-            continue;
-        }
-        ZBDateSlot taken(from, to);
-        int type = entry->m_type;
-        int unused = 0;
-        carve(i, taken, unused);
-        sum += to - from;
-        returnSet.safe_add(taken, type, 0, true);
-        --i;
+    int hint = 0;
+    for (const Take& take : takes) {
+        int type = take.entry->m_type;
+        cut(index_of(*take.entry), take.from, take.to);
+        int index = returnSet.safe_add(ZBDateSlot(take.from, take.to), type, hint, true);
+        if (index >= 0)
+            hint = index;
     }
     return sum;
 }

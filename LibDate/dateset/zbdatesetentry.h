@@ -28,6 +28,13 @@ public:
     void dump(std::ostream& out, int indent) const override;
 
     int m_type;
+
+private:
+    friend class ZBDateSet;
+    // The latest end among this entry and all that sort before it in its set:
+    // the set's index for spans of different types that overlap. Invalid until
+    // the set places the entry; never compared or stored.
+    ZBDate m_reach{ZBDate::E_Invalid};
 };
 
 // Start, then end, then type, ascending; non-zero when a belongs behind b, the
