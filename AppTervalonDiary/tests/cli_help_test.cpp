@@ -22,9 +22,12 @@ TEST(CliHelp, EachUsageStandsOnItsLineWithTheSummaryWrappedUnderIt)
             ++usages;
         else
             EXPECT_LE(line.size(), 80u) << line;
-        // A summary line sits under its usage (or the summary line before it), indented.
-        if (line.compare(0, 6, "      ") == 0)
-            EXPECT_FALSE(previous.empty()) << line;
+        // A usage line is followed by its summary, indented under it, not by
+        // the next usage: the summary never shares the usage's line.
+        const bool previousUsage =
+            previous.size() > 2 && previous.compare(0, 2, "  ") == 0 && previous[2] != ' ';
+        if (previousUsage)
+            EXPECT_EQ(0u, line.find("      ")) << previous << "\n" << line;
         previous = line;
     }
     EXPECT_GE(usages, 10);
