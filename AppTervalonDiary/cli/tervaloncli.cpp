@@ -16,9 +16,8 @@
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
+#include "LibCore/textstr/zbtextstr.h"
 
-#include <algorithm>
-#include <iomanip>
 #include <ostream>
 
 namespace Tervalon {
@@ -63,11 +62,21 @@ void TervalonCli::print_usage(std::ostream& out) const
         << "       tervalon --help | --version\n\n"
         << AppDiaryInfo::C_Title << " on the command line: keep a diary file without the window.\n\n"
         << "Commands:\n";
-    size_t width = 0;
-    for (const auto& command : m_command)
-        width = std::max(width, command->usage().size());
-    for (const auto& command : m_command)
-        out << "  " << std::left << std::setw(int(width)) << command->usage() << "  " << command->summary() << "\n";
+    // Usage lines differ too much in length for a column: each stands on its
+    // own line, and its summary is wrapped under it.
+    for (const auto& command : m_command) {
+        out << "  " << command->usage() << "\n";
+        std::string summary = zb_line_wrap(command->summary(), C_HelpWidth - 6);
+        size_t start = 0;
+        while (start <= summary.size()) {
+            size_t end = summary.find('\n', start);
+            if (end == std::string::npos)
+                end = summary.size();
+            if (end > start)
+                out << "      " << summary.substr(start, end - start) << "\n";
+            start = end + 1;
+        }
+    }
     out.flush();
 }
 
@@ -106,7 +115,7 @@ int TervalonCli::run(const std::vector<std::string>& args, std::ostream& out, st
     CliContext context{std::vector<std::string>(args.begin() + 2, args.end()), out, err};
     for (const std::string& arg : context.args)
         if (arg == "--help" || arg == "-h") {
-            out << "Usage: tervalon " << command->usage() << "\n" << command->summary() << "\n";
+            out << "Usage: tervalon " << command->usage() << "\n" << zb_line_wrap(command->summary(), C_HelpWidth) << "\n";
             if (command->writes())
                 out << "Changes the file in place; it is saved whole through a temporary file.\n";
             out.flush();

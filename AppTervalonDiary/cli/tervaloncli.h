@@ -13,6 +13,9 @@ namespace Tervalon {
 // and runs it. It knows nothing of any command's details; commands register here.
 class TervalonCli {
 public:
+    // The help text fits a terminal of this many columns.
+    static constexpr int C_HelpWidth = 80;
+
     TervalonCli();
     ~TervalonCli();
 

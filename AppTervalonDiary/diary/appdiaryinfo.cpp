@@ -30,7 +30,7 @@ void AppDiaryInfo::setup_cli_errors(ZBApplication& app)
     error.set_stream(nullptr, ZBErrSev_All);
     error.set_action(ZBError::E_ActionReturn, ZBErrSev_All);
     error.set_errorui(false);
-    error.add_handler(new ZBErrHandlerLogfile(app.get_error_log(), false, false, true, true));
+    error.add_handler(new ZBErrHandlerLogfile(app.get_error_log(), true, false, false, true));
 }
 
 ZBDatabase* AppDiaryInfo::make_database()

@@ -19,11 +19,7 @@ AppDiary::AppDiary(ZBQtApp& qtApp, int argc, char** argv)
                       AppDiaryInfo::C_Company, AppDiaryInfo::C_Domain, "Copyright (c) Tervalon", "The Tervalon developers",
                       ":/images/logo.png", "", "", "")
 {
-    for (int i = 1; i < argc; ++i)
-        if (argv[i][0] != '-') {
-            m_diaryDB = argv[i];
-            break;
-        }
+    m_diaryDB = diary_argument();
     setup_url_handler(AppDiaryInfo::C_UrlScheme);
 }
 
@@ -50,6 +46,13 @@ int AppDiary::early_options(int argc, char** argv)
     if (status < 0 && iszbwarn(result))
         status = 1;
     return status;
+}
+
+std::string AppDiary::diary_argument()
+{
+    // The parser knows which options take a value ("--editor emacs") and stops
+    // at -extra-args, so the file is the word it gave to the "file" value.
+    return has_zbparam() ? zbparam().get_value("file") : std::string();
 }
 
 int AppDiary::parameters(ZBParam&, ZBParamCmdLine* cmdLine, ZBParamFile*)

@@ -18,6 +18,8 @@ public:
 
     // Reads the command line before any window exists: -1 to go on, else the exit status.
     static int early_options(int argc, char** argv);
+    // The diary named on the command line, as early_options read it; empty for none.
+    static std::string diary_argument();
     int run() override;
     int parameters(ZBParam& param, ZBParamCmdLine* cmdLine, ZBParamFile* file) override;
     const std::string& get_diary_file() const { return m_diaryDB; }

@@ -8,16 +8,31 @@ int ZBThread::ZBErrC_ThreadStart = ZBError::allocate_code("ZBErrC_ThreadStart", 
 class ZBThread::Runner : public QThread {
 public:
     explicit Runner(ZBThread& owner) : m_owner(owner) {}
-    void run() override { m_owner.func(); }
+    void run() override
+    {
+        try {
+            m_owner.func();
+            m_owner.m_status = ZBErrC_ok;
+        } catch (const ZBErrDetails& details) {
+            m_owner.m_status = details.get_value();
+        }
+    }
 
 private:
     ZBThread& m_owner;
 };
 
-ZBThread::ZBThread() : m_stop(false), m_signalled(false) {}
+ZBThread::ZBThread() : m_stop(false), m_status(ZBErrC_ok), m_signalled(false) {}
 
 ZBThread::~ZBThread()
 {
+    if (is_running()) {
+        try {
+            zbassert_failed("the thread was stopped by its owner's destructor", ZBLOC);
+        } catch (const ZBErrDetails&) {
+            // A destructor must not throw; the record is on the stack.
+        }
+    }
     stop();
 }
 

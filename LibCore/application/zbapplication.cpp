@@ -3,7 +3,6 @@
 #include "LibCore/error/zberrhandlerlogfile.h"
 #include "LibCore/error/zberrhandlerstream.h"
 #include "LibCore/param/zbparam.h"
-#include "LibDate/date/zbdateutils.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -65,7 +64,7 @@ ZBApplication::ZBApplication(int argc, char** argv, const std::string& applicati
     : m_argc(argc), m_argv(argv), m_application(application), m_title(title), m_extension(extension),
       m_release(release), m_tag(tag), m_date(date), m_description(description), m_company(company), m_domain(domain),
       m_copyright(copyright), m_authors(authors), m_logo(logo), m_email(email), m_web(web), m_website(website),
-      m_lastNWindows(0), m_start(ZBDateUtils::now())
+      m_lastNWindows(0), m_start(ZBMoment::now())
 {
     if (argc > 0 && argv && argv[0])
         m_executable = QFileInfo(QString::fromLocal8Bit(argv[0])).absoluteFilePath().toStdString();
@@ -109,9 +108,13 @@ int ZBApplication::setup_error()
 {
     set_zberror(new ZBError(m_application, m_release, m_company));
     QDir().mkpath(QString::fromStdString(get_cache_dir()));
-    // The error log sees each record once, when it is finally handled.
-    get_zberror().add_handler(new ZBErrHandlerLogfile(get_error_log(), false, false, true, true));
-    get_zberror().add_handler(new ZBErrHandlerStream(&std::cerr, false, true, true, true));
+    // The error log sees each record once, as it is reported: a record that a
+    // caller recovers from and clears is still worth a line in the log.
+    get_zberror().add_handler(new ZBErrHandlerLogfile(get_error_log(), true, false, false, true));
+    // The terminal gets one line per failure, when it reaches the top of an
+    // action: not the record as reported, and not again on every pass.
+    get_zberror().set_stream(nullptr, ZBErrSev_All);
+    get_zberror().add_handler(new ZBErrHandlerStream(&std::cerr, false, false, true, true));
     QDir().mkpath(QString::fromStdString(get_config_dir()));
     return ZBErrC_ok;
 }
@@ -257,7 +260,7 @@ std::string ZBApplication::get_first_file() const
 
 void ZBApplication::push_status(const std::string& status, double percentage, bool background, int delay)
 {
-    ZBDate showFrom = ZBDateUtils::now() + ZBDuration(0, delay / ZBDate::C_MicroSecs, delay % ZBDate::C_MicroSecs);
+    const ZBMoment showFrom = ZBMoment::now().plus_micros(delay);
     (background ? m_background : m_status).push_back(new ZBAppStatusEntry(status, percentage, showFrom));
 }
 
@@ -273,7 +276,7 @@ void ZBApplication::pop_status(const std::string& status, bool background)
 
 std::string ZBApplication::foreground_status() const
 {
-    const ZBDate now = ZBDateUtils::now();
+    const ZBMoment now = ZBMoment::now();
     const ZBAppStatusEntry* due = nullptr;
     for (const ZBAppStatusEntry* entry : m_status)
         if (entry->m_showFrom <= now && (!due || entry->m_showFrom >= due->m_showFrom))
@@ -299,8 +302,8 @@ std::string ZBApplication::get_hostname()
     name = QHostInfo::localHostName().toStdString();
     if (name.empty() || name == "localhost") {
         // A machine with no name still needs a stable one, to tell its copies apart.
-        ZBDate now = ZBDateUtils::now();
-        name = "host" + std::to_string(now.get_second_of_day());
+        const long long seconds = ZBMoment::now().to_micros() / 1000000;
+        name = "host" + std::to_string(seconds % 86400);
     }
     zbparam().set_system_value("Hostname", name);
     return name;

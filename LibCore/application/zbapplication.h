@@ -2,7 +2,7 @@
 
 #include "LibCore/application/zbappstatusentry.h"
 #include "LibCore/ptrarray/zbptrarray.h"
-#include "LibDate/date/zbdate.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <iosfwd>
 #include <string>
@@ -56,7 +56,7 @@ public:
     const std::string& get_web() const { return m_web; }
     const std::string& get_website() const { return m_website; }
     const std::string& get_executable() const { return m_executable; }
-    const ZBDate& get_app_start() const { return m_start; }
+    const ZBMoment& get_app_start() const { return m_start; }
     int get_argc() const { return m_argc; }
     char** get_argv() const { return m_argv; }
 
@@ -135,7 +135,7 @@ private:
     int m_lastNWindows;
     ZBPtrArray<ZBAppStatusEntry> m_status;
     ZBPtrArray<ZBAppStatusEntry> m_background;
-    ZBDate m_start;
+    ZBMoment m_start;
 };
 
 ZBApplication& zbapplication();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibDate/date/zbdate.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <string>
 
@@ -10,7 +10,7 @@ namespace Tervalon {
 // moment from which it may be shown (its creation plus the delay asked for).
 class ZBAppStatusEntry {
 public:
-    ZBAppStatusEntry(const std::string& status, double percentage, const ZBDate& showFrom)
+    ZBAppStatusEntry(const std::string& status, double percentage, const ZBMoment& showFrom)
         : m_status(status), m_percentage(percentage), m_showFrom(showFrom) {}
     bool operator==(const ZBAppStatusEntry& other) const
     {
@@ -19,7 +19,7 @@ public:
 
     std::string m_status;
     double m_percentage;
-    ZBDate m_showFrom;
+    ZBMoment m_showFrom;
 };
 
 } // namespace Tervalon

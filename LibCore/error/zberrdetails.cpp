@@ -1,8 +1,7 @@
 #include "LibCore/error/zberrdetails.h"
 #include "LibCore/error/zberror.h"
 
-#include "LibDate/date/zbdate.h"
-#include "LibDate/date/zbdateutils.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <cstdio>
 #include <ostream>
@@ -67,9 +66,7 @@ std::string ZBErrDetails::get_time_text() const
 std::string ZBErrDetails::format_time(long long microsSinceEpoch, bool withMicros)
 {
     // Shown in the machine's zone, as the wall clock read when it happened.
-    ZBDate date;
-    date.from_micros(microsSinceEpoch, ZBDate::C_LocalTime);
-    return date.to_string(withMicros ? "%D %H:%M:%U" : "%D %H:%M:%S");
+    return ZBMoment(microsSinceEpoch).to_string(withMicros ? "%D %H:%M:%U" : "%D %H:%M:%S");
 }
 
 std::string ZBErrDetails::get_message() const

@@ -12,8 +12,8 @@ enum ZBErrSeverity { ZBErrSev_Log = 0, ZBErrSev_UserWarning = 1, ZBErrSev_Warnin
 enum ZBErrAspect { ZBErrAsp_System = 0, ZBErrAsp_User = 1 };
 
 // One error record, and the exception that carries one across many levels.
-// The time is kept as microseconds since 1970 (UTC), so that the error core
-// needs nothing from the date library; it is shown through ZBDate.
+// The time is kept as microseconds since 1970 (UTC) and shown as a ZBMoment,
+// in the date library's format once that library has joined in.
 class ZBErrDetails {
 public:
     ZBErrDetails();

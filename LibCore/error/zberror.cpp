@@ -1,7 +1,7 @@
 #include "LibCore/error/zberror.h"
 #include "LibCore/error/zberrhandler.h"
 #include "LibCore/error/zberrhandlerstream.h"
-#include "LibDate/date/zbdateutils.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <QCoreApplication>
 
@@ -357,6 +357,19 @@ void ZBError::clear_all()
     m_error.clear();
 }
 
+int ZBError::print_and_clear(std::ostream& out, const std::string& prefix)
+{
+    const int count = int(m_error.size());
+    for (auto it = m_error.rbegin(); it != m_error.rend(); ++it) {
+        std::string message = it->get_message();
+        std::replace(message.begin(), message.end(), '\n', ' ');
+        out << prefix << message << "\n";
+    }
+    out.flush();
+    m_error.clear();
+    return count;
+}
+
 void ZBError::set_stream(std::ostream* stream, int severity)
 {
     for (int i = 0; i < 5; ++i)
@@ -424,9 +437,32 @@ int zberrorvalue()
     return top ? top->get_value() : 0;
 }
 
+std::string zb_source_relative(const std::string& path, const std::string& root)
+{
+    std::string relative = path;
+    if (!root.empty() && relative.compare(0, root.size() + 1, root + "/") == 0)
+        return relative.substr(root.size() + 1);
+    // A compiler cache with a base folder hands the compiler paths relative to
+    // the build folder ("../../LibCore/..."): what is left after the climb is a
+    // tail of the absolute path, so the root's own tail is taken off too.
+    size_t climbed = 0;
+    while (relative.compare(climbed, 3, "../") == 0 || relative.compare(climbed, 2, "./") == 0)
+        climbed += relative[climbed + 1] == '.' ? 3 : 2;
+    if (climbed == 0 && !relative.empty() && relative[0] == '/')
+        return relative;
+    relative.erase(0, climbed);
+    for (size_t slash = root.find('/'); slash != std::string::npos; slash = root.find('/', slash + 1)) {
+        const std::string tail = root.substr(slash + 1) + "/";
+        if (tail.size() > 1 && relative.compare(0, tail.size(), tail) == 0)
+            return relative.substr(tail.size());
+    }
+    return relative;
+}
+
 std::string zblocation(const char* file, int line)
 {
-    return std::string(file ? file : "") + ":" + std::to_string(line);
+    static const std::string root = TERVALON_SOURCE_ROOT;
+    return zb_source_relative(file ? file : "", root) + ":" + std::to_string(line);
 }
 
 std::string zb_vsprintf(const char* format, va_list args)
@@ -465,7 +501,7 @@ int zbsysreport(int code, int severity, const std::string& location, const std::
     details.set_details(ZBErrAsp_User, error.get_default_message(ZBErrAsp_User));
     details.set_details(aspect, text);
     if (micros == 0)
-        micros = error.get_deftime() != 0 ? error.get_deftime() : ZBDateUtils::unow();
+        micros = error.get_deftime() != 0 ? error.get_deftime() : ZBMoment::now().to_micros();
     details.set_time(micros);
     details.set_location(location);
     std::string window = ZBError::active_window_name();

@@ -56,6 +56,9 @@ public:
 // error, 2 for a fatal error or a failed assertion.
 int zb_exit_status(int value);
     void clear_all();
+    // For a terminal: one line per record, oldest first, each message's line
+    // feeds turned to blanks; then the stack is empty. Returns how many.
+    int print_and_clear(std::ostream& out, const std::string& prefix);
 
     void set_stream(std::ostream* stream, int severity);
     void set_action(int action, int severity);
@@ -165,7 +168,12 @@ bool iszberr(int value);
 bool iszbwarn(int value);
 int zberrorvalue();
 
+// "LibCore/error/zberror.cpp:12": the source file from the repository's root,
+// whatever paths the build handed the compiler.
 std::string zblocation(const char* file, int line);
+// The path below root, for an absolute path under it or a path that climbs out
+// of a build folder; other paths are returned as they are.
+std::string zb_source_relative(const std::string& path, const std::string& root);
 #define ZBLOC ::Tervalon::zblocation(__FILE__, __LINE__)
 
 std::string zb_sprintf(const char* format, ...) __attribute__((format(printf, 1, 2)));

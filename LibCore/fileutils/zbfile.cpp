@@ -12,12 +12,9 @@ namespace Tervalon {
 
 namespace {
 
-ZBDate from_qdatetime(const QDateTime& time)
+ZBMoment from_qdatetime(const QDateTime& time)
 {
-    ZBDate date;
-    if (time.isValid())
-        date.from_micros(time.toMSecsSinceEpoch() * 1000, ZBDate::C_LocalTime);
-    return date;
+    return time.isValid() ? ZBMoment(time.toMSecsSinceEpoch() * 1000) : ZBMoment();
 }
 
 } // namespace
@@ -38,8 +35,8 @@ bool ZBFile::refresh()
     m_exists = info.exists();
     if (!m_exists) {
         m_size = -1;
-        m_created = ZBDate();
-        m_modified = ZBDate();
+        m_created = ZBMoment();
+        m_modified = ZBMoment();
         return false;
     }
     m_size = info.isDir() ? 0 : info.size();
@@ -62,7 +59,7 @@ std::string ZBFile::get_filename() const
     return zb_filename(m_pathName);
 }
 
-int ZBFile::set_times(const ZBDate& created, const ZBDate& modified)
+int ZBFile::set_times(const ZBMoment& created, const ZBMoment& modified)
 {
     m_created = created;
     m_modified = modified;
@@ -86,7 +83,7 @@ void ZBFile::dump(std::ostream& out, int indent) const
 {
     std::string pad(size_t(indent) * 4, ' ');
     out << pad << "ZBFile\n" << pad << "    m_pathName : " << m_pathName << "\n" << pad << "    m_size : " << m_size << "\n"
-        << pad << "    m_modified : " << m_modified.to_iso() << "\n";
+        << pad << "    m_modified : " << m_modified.to_string("%D %T") << "\n";
 }
 
 } // namespace Tervalon

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibDate/date/zbdate.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <iosfwd>
 #include <string>
@@ -22,11 +22,11 @@ public:
     const std::string& get_pathname() const { return m_pathName; }
     void set_pathname(const std::string& pathName, bool refresh = true);
     std::string get_filename() const;
-    const ZBDate& get_created() const { return m_created; }
-    const ZBDate& get_modified() const { return m_modified; }
+    const ZBMoment& get_created() const { return m_created; }
+    const ZBMoment& get_modified() const { return m_modified; }
     long long get_size() const { return m_size; }
     // Keeps the times, and gives the file on disk the modified time.
-    int set_times(const ZBDate& created, const ZBDate& modified);
+    int set_times(const ZBMoment& created, const ZBMoment& modified);
 
     bool operator==(const ZBFile& other) const;
     virtual void dump(std::ostream& out, int indent) const;
@@ -34,8 +34,8 @@ public:
 protected:
     std::string m_pathName;
     long long m_size;
-    ZBDate m_created;
-    ZBDate m_modified;
+    ZBMoment m_created;
+    ZBMoment m_modified;
     bool m_exists;
 };
 

@@ -68,13 +68,10 @@ bool zb_dir_writable(const std::string& dir)
     return probe.remove() && wrote;
 }
 
-ZBDate zb_file_modified(const std::string& path)
+ZBMoment zb_file_modified(const std::string& path)
 {
     QFileInfo info(qs(path));
-    ZBDate date;
-    if (info.exists())
-        date.from_micros(info.lastModified().toMSecsSinceEpoch() * 1000, ZBDate::C_LocalTime);
-    return date;
+    return info.exists() ? ZBMoment(info.lastModified().toMSecsSinceEpoch() * 1000) : ZBMoment();
 }
 
 long long zb_file_size(const std::string& path)

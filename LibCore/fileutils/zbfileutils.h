@@ -4,7 +4,7 @@
 // Qt, so names with blanks, quotes or non-ASCII letters are safe. Operations
 // report failures through the error system and return its values.
 
-#include "LibDate/date/zbdate.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <string>
 
@@ -22,7 +22,7 @@ bool zb_dir_exists(const std::string& path);
 // do not tell the whole story (read-only mounts, full disks, ACLs).
 bool zb_dir_writable(const std::string& dir);
 // The time of last change; an invalid date when the file does not exist.
-ZBDate zb_file_modified(const std::string& path);
+ZBMoment zb_file_modified(const std::string& path);
 long long zb_file_size(const std::string& path);
 // same is true when both files hold the same bytes.
 int zb_file_compare(const std::string& a, const std::string& b, bool& same);

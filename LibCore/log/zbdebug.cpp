@@ -3,7 +3,7 @@
 #include "LibCore/error/zberror.h"
 #include "LibCore/fileutils/zbfileutils.h"
 #include "LibCore/textstr/zbtextstr.h"
-#include "LibDate/date/zbdateutils.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <QSaveFile>
 
@@ -196,7 +196,7 @@ int ZBDebug::display_profile(const std::string& path)
 {
     const std::string target = path.empty() ? zb_cache_file("_performance.log") : path;
     std::ostringstream text;
-    text << "Profile at " << ZBErrDetails::format_time(ZBDateUtils::unow(), false) << "\n";
+    text << "Profile at " << ZBErrDetails::format_time(ZBMoment::now().to_micros(), false) << "\n";
     write_profile(text);
     return zb_write_text_file(target, text.str());
 }

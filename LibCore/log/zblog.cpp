@@ -3,7 +3,7 @@
 #include "LibCore/error/zberror.h"
 #include "LibCore/fileutils/zbfileutils.h"
 #include "LibCore/textstr/zbtextstr.h"
-#include "LibDate/date/zbdateutils.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -64,7 +64,7 @@ int ZBLog::log(const std::string& name, const std::string& line)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     const std::string path = get_log_path(name);
-    const long long now = ZBDateUtils::unow();
+    const long long now = ZBMoment::now().to_micros();
     auto last = m_lastRotation.find(path);
     if (last == m_lastRotation.end() || now - last->second >= (long long)C_RotateSeconds * 1000000) {
         rotate_locked(path);
@@ -112,7 +112,7 @@ int ZBLog::rotate(const std::string& name)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     const std::string path = get_log_path(name);
-    m_lastRotation[path] = ZBDateUtils::unow();
+    m_lastRotation[path] = ZBMoment::now().to_micros();
     return rotate_locked(path);
 }
 

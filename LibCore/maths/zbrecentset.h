@@ -18,11 +18,11 @@ public:
     // A restricted set takes dates only for values already in it: add_value
     // defines the candidates, and add_value_date only scores them.
     explicit ZBRecentSet(bool restricted = false)
-        : m_restricted(restricted), m_first(ZBDate::E_Blank), m_last(ZBDate::E_Blank) {}
+        : m_restricted(restricted), m_first(), m_last() {}
 
     // Enters a value with no date, keeping first-seen order.
     void add_value(const T& value) { find_or_add(value); }
-    void add_value_date(const T& value, const ZBDate& date)
+    void add_value_date(const T& value, const ZBMoment& date)
     {
         if (m_restricted) {
             add_value_date_restricted(value, date);
@@ -30,29 +30,29 @@ public:
         }
         record(find_or_add(value), date);
     }
-    void add_value_date_restricted(const T& value, const ZBDate& date)
+    void add_value_date_restricted(const T& value, const ZBMoment& date)
     {
         if (ZBRecentSetEntry<T>* entry = find(value))
             record(*entry, date);
     }
 
     int size() const { return m_entry.size(); }
-    const ZBDate& get_first_date() const { return m_first; }
-    const ZBDate& get_last_date() const { return m_last; }
+    const ZBMoment& get_first_date() const { return m_first; }
+    const ZBMoment& get_last_date() const { return m_last; }
 
     // The values, best first. Equal scores keep first-seen order, so a set
     // without dates gives its values as they were entered.
     std::vector<T> calculate(double weight, double power)
     {
         const bool dated = m_first.is_ok() && m_last.is_ok();
-        const double span = dated ? (m_last - m_first).get_as_days() : 0.0;
+        const double span = dated ? m_first.days_until(m_last) : 0.0;
         const double floor = 1.0 / std::pow(span + 1.0, power);
         ZBPtrArray<ZBRecentSetEntry<T>> ranked(false);
         for (ZBRecentSetEntry<T>* entry : m_entry) {
             entry->m_score = 0.0;
             if (dated)
-                for (const ZBDate& date : entry->m_date) {
-                    const double age = (m_last - date).get_as_days();
+                for (const ZBMoment& date : entry->m_date) {
+                    const double age = date.days_until(m_last);
                     entry->m_score += (1.0 / std::pow(age + 1.0, power) - floor) * (weight - 1.0) + 1.0;
                 }
             ranked.push_back(entry);
@@ -93,7 +93,7 @@ private:
         m_entry.push_back(entry);
         return *entry;
     }
-    void record(ZBRecentSetEntry<T>& entry, const ZBDate& date)
+    void record(ZBRecentSetEntry<T>& entry, const ZBMoment& date)
     {
         entry.m_date.push_back(date);
         if (!m_first.is_ok() || date < m_first)
@@ -103,8 +103,8 @@ private:
     }
 
     bool m_restricted;
-    ZBDate m_first;
-    ZBDate m_last;
+    ZBMoment m_first;
+    ZBMoment m_last;
     ZBPtrArray<ZBRecentSetEntry<T>> m_entry;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibDate/date/zbdate.h"
+#include "LibCore/time/zbmoment.h"
 
 #include <vector>
 
@@ -15,7 +15,7 @@ public:
     explicit ZBRecentSetEntry(const T& value) : m_value(value) {}
 
     T m_value{};
-    std::vector<ZBDate> m_date;
+    std::vector<ZBMoment> m_date;
     double m_score = 0.0;
     // Position of first sight; breaks ties of score.
     int m_order = 0;

@@ -10,7 +10,7 @@ namespace Tervalon {
 template <class T>
 class ZBSequenceSet {
 public:
-    void add(const T& value, const ZBDate& date) { m_entry.push_back(new ZBSequenceSetEntry<T>(value, date)); }
+    void add(const T& value, const ZBMoment& date) { m_entry.push_back(new ZBSequenceSetEntry<T>(value, date)); }
     int size() const { return m_entry.size(); }
     void clear() { m_entry.clear(); }
     const ZBSequenceSetEntry<T>* get_entry(int index) const { return m_entry.at(index); }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibDate/date/zbdate.h"
+#include "LibCore/time/zbmoment.h"
 
 namespace Tervalon {
 
@@ -9,13 +9,13 @@ template <class T>
 class ZBSequenceSetEntry {
 public:
     ZBSequenceSetEntry() = default;
-    ZBSequenceSetEntry(const T& value, const ZBDate& date) : m_value(value), m_date(date) {}
+    ZBSequenceSetEntry(const T& value, const ZBMoment& date) : m_value(value), m_date(date) {}
 
     // Earlier dates first; the order of equal dates is the sort's.
     static int compare_date(const ZBSequenceSetEntry& a, const ZBSequenceSetEntry& b) { return a.m_date > b.m_date; }
 
     T m_value{};
-    ZBDate m_date;
+    ZBMoment m_date;
 };
 
 } // namespace Tervalon

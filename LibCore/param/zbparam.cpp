@@ -106,6 +106,8 @@ void ZBParam::set_cmdline(ZBParamCmdLine* cmdline)
 void ZBParam::refresh_set()
 {
     impl->m_params->get_all_options(impl->m_set);
+    for (auto& file : impl->m_configFile)
+        file->apply_pending(impl->m_set);
 }
 
 void ZBParam::set_manpg(const std::string& text)

@@ -26,23 +26,37 @@ bool starts_with_letter(const std::string& line)
     return !line.empty() && std::isalpha(static_cast<unsigned char>(line[0]));
 }
 
-// Splits "NAME=VALUE" or "NAME=TAG=VALUE" as the parameter expects.
+// The first separator at or after from that no backslash escapes.
+size_t find_separator(const std::string& text, size_t from)
+{
+    const char separator = ZBParamBase::C_TagValueSeparator[0];
+    for (size_t i = from; i < text.size(); ++i) {
+        if (text[i] == '\\')
+            ++i;
+        else if (text[i] == separator)
+            return i;
+    }
+    return std::string::npos;
+}
+
+// Splits "NAME=VALUE" or "NAME=TAG=VALUE" as the parameter expects; the value
+// (and tag) come back with their escapes undone.
 bool split_line(const std::string& line, const ZBParamSet& set, Line& out, std::string& value)
 {
-    size_t sep = line.find(ZBParamBase::C_TagValueSeparator);
+    size_t sep = find_separator(line, 0);
     if (sep == std::string::npos)
         return false;
-    out.name = line.substr(0, sep);
+    out.name = ZBParamFile::unescape(line.substr(0, sep));
     std::string rest = line.substr(sep + 1);
     const ZBParamBase* param = set.get_param_by_name(out.name);
     if (param && param->has_multiple_values()) {
-        size_t tagEnd = rest.find(ZBParamBase::C_TagValueSeparator);
+        size_t tagEnd = find_separator(rest, 0);
         if (tagEnd == std::string::npos)
             return false;
-        out.tag = rest.substr(0, tagEnd);
-        value = rest.substr(tagEnd + 1);
+        out.tag = ZBParamFile::unescape(rest.substr(0, tagEnd));
+        value = ZBParamFile::unescape(rest.substr(tagEnd + 1));
     } else {
-        value = rest;
+        value = ZBParamFile::unescape(rest);
     }
     return true;
 }
@@ -61,7 +75,57 @@ std::vector<std::string> read_lines(const std::string& name, bool& opened)
     return lines;
 }
 
+// Whether the parameter holds any value under the key, from whatever source.
+bool has_value_for(const ZBParamBase& param, const std::string& tag)
+{
+    return param.has_multiple_values() ? param.find_tag(tag) != nullptr : param.is_set();
+}
+
 } // namespace
+
+std::string ZBParamFile::escape(const std::string& text, bool separatorToo)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (char c : text) {
+        switch (c) {
+        case '\\': out += "\\\\"; break;
+        case '\n': out += "\\n"; break;
+        case '\r': out += "\\r"; break;
+        default:
+            if (separatorToo && c == ZBParamBase::C_TagValueSeparator[0])
+                out += '\\';
+            out += c;
+        }
+    }
+    return out;
+}
+
+std::string ZBParamFile::unescape(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\' || i + 1 >= text.size()) {
+            out += text[i];
+            continue;
+        }
+        const char next = text[i + 1];
+        if (next == 'n')
+            out += '\n';
+        else if (next == 'r')
+            out += '\r';
+        else if (next == '\\' || next == ZBParamBase::C_TagValueSeparator[0])
+            out += next;
+        else {
+            // Not one of ours: a backslash written by hand stays as it was.
+            out += '\\';
+            continue;
+        }
+        ++i;
+    }
+    return out;
+}
 
 ZBParamFile::ZBParamFile(const std::string& name, bool userConfig)
     : m_name(name), m_userConfig(userConfig), m_read(false), m_changed(false)
@@ -79,6 +143,7 @@ int ZBParamFile::read_file(ZBParamSet& set)
         set.get_param_by_index(i)->clear_values_from(m_name);
     m_read = true;
     m_changed = false;
+    m_pending.clear();
     QFileInfo info(QString::fromStdString(m_name));
     if (!info.exists())
         return ZBErrC_ok;
@@ -96,13 +161,37 @@ int ZBParamFile::read_file(ZBParamSet& set)
         int one = ZBErrC_ok;
         if (!split_line(text, set, line, value))
             one = zbwarnuser(ZBErrC_ParamInvalid, ZBLOC, "Invalid line %s in %s:%d", text.c_str(), m_name.c_str(), int(i + 1));
+        else if (!set.get_param_by_name(line.name))
+            // Perhaps an option declared later in the run: kept until it is.
+            m_pending.push_back(text);
         else if (set.set_value(line.name, line.tag, value, m_name, &one) && iszbwarn(one))
             one = zbwarnuser(ZBErrC_ParamInvalid, ZBLOC, "Invalid line %s in %s:%d", text.c_str(), m_name.c_str(), int(i + 1));
-        // A name that no parameter has is kept in the file and otherwise ignored.
         if (iszbwarn(one) && !iszbwarn(result))
             result = one;
     }
     return result;
+}
+
+void ZBParamFile::apply_pending(ZBParamSet& set)
+{
+    std::vector<std::string> still;
+    for (const std::string& text : m_pending) {
+        Line line;
+        std::string value;
+        if (!split_line(text, set, line, value))
+            continue; // now known, and the line does not fit it
+        ZBParamBase* param = set.get_param_by_name(line.name);
+        if (!param) {
+            still.push_back(text);
+            continue;
+        }
+        // The command line and the environment outrank any file.
+        const ZBParamBase::Entry* given = param->has_multiple_values() ? param->find_tag(line.tag) : param->get_entry(0);
+        if (given && (given->source == ZBParamBase::C_CommandLine || given->source == ZBParamBase::C_Environment))
+            continue;
+        param->set_tag_value(line.tag, value, m_name);
+    }
+    m_pending.swap(still);
 }
 
 int ZBParamFile::rewrite_file(const ZBParamSet& set)
@@ -127,8 +216,8 @@ int ZBParamFile::rewrite_file(const ZBParamSet& set)
     auto line_for = [&multi](const std::pair<std::string, std::string>& key, const std::string& value) {
         std::string text = key.first + ZBParamBase::C_TagValueSeparator;
         if (multi[key.first])
-            text += key.second + ZBParamBase::C_TagValueSeparator;
-        return text + value;
+            text += escape(key.second, true) + ZBParamBase::C_TagValueSeparator;
+        return text + escape(value, false);
     };
 
     bool opened = false;
@@ -142,10 +231,18 @@ int ZBParamFile::rewrite_file(const ZBParamSet& set)
             lines.push_back(text);
             continue;
         }
-        auto key = std::make_pair(set.get_param_by_name(line.name)->get_name(), line.tag);
+        const ZBParamBase& param = *set.get_param_by_name(line.name);
+        auto key = std::make_pair(param.get_name(), line.tag);
         auto it = wanted.find(key);
-        if (it == wanted.end() || written.count(key))
-            continue; // removed since, or a repeat of a line already written
+        if (it == wanted.end()) {
+            // The user's line stands while another source (the command line, say)
+            // overrides it for this run; only a value removed altogether goes.
+            if (has_value_for(param, line.tag))
+                lines.push_back(text);
+            continue;
+        }
+        if (written.count(key))
+            continue; // a repeat of a line already written
         lines.push_back(value == it->second && key.first == line.name ? text : line_for(key, it->second));
         written.insert(key);
     }

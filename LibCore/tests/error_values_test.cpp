@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 using namespace Tervalon;
 
 namespace {
@@ -143,4 +145,35 @@ TEST_F(ErrorValues, ReportTimeIsTheFixedTimeOrNow)
     get_zberror().set_deftime(0);
     zberror(ZBErrC_Error, ZBLOC, "now");
     EXPECT_GT(get_zberror().top()->get_time(), 1700000000000000LL);
+}
+
+TEST_F(ErrorValues, LocationsAreShownFromTheRepositoryRoot)
+{
+    struct Row {
+        const char* path;
+        const char* shown;
+    };
+    const Row rows[] = {
+        {"/src/tervalon/LibDatabase/db/zbdatabase.cpp", "LibDatabase/db/zbdatabase.cpp"},
+        {"../../LibDatabase/db/zbdatabase.cpp", "LibDatabase/db/zbdatabase.cpp"},
+        {"./LibCore/error/zberror.cpp", "LibCore/error/zberror.cpp"},
+        {"../../../src/tervalon/LibCore/log/zblog.cpp", "LibCore/log/zblog.cpp"},
+        {"../../tervalon/LibCore/log/zblog.cpp", "LibCore/log/zblog.cpp"},
+        {"LibDate/date/zbdate.cpp", "LibDate/date/zbdate.cpp"},
+        {"/usr/include/c++/12/vector", "/usr/include/c++/12/vector"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(row.shown, zb_source_relative(row.path, "/src/tervalon")) << row.path;
+    // This very build, whatever its folder and compiler cache.
+    EXPECT_EQ(0u, ZBLOC.find("LibCore/tests/error_values_test.cpp:"));
+}
+
+TEST_F(ErrorValues, RecordsPrintForATerminalOneLineEachOldestFirst)
+{
+    zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "Invalid line A in x.cfg:1");
+    zbwarnuser(ZBErrC_FileLineInvalid, ZBLOC, "Invalid line B\nC in x.cfg:2");
+    std::ostringstream out;
+    EXPECT_EQ(2, get_zberror().print_and_clear(out, "tervalon: "));
+    EXPECT_EQ("tervalon: Invalid line A in x.cfg:1\ntervalon: Invalid line B C in x.cfg:2\n", out.str());
+    EXPECT_EQ(nullptr, get_zberror().top());
 }

@@ -3,7 +3,7 @@
 #include "LibCore/log/zbdebugscope.h"
 #include "LibCore/fileutils/zbfileutils.h"
 #include "LibCore/log/zblog.h"
-#include "LibDate/date/zbdateutils.h"
+#include "LibCore/time/zbmoment.h"
 #include "tests/support/testsupport.h"
 
 #include <gtest/gtest.h>
@@ -27,15 +27,13 @@ protected:
     {
         set_zberror(new ZBError());
         get_zberror().set_stream(nullptr, ZBErrSev_All);
-        ZBDate start;
-        start.from_micros(1700000000000000LL, ZBDate::C_GMT);
-        ZBDateUtils::set_fixed_now(start);
+        ZBMoment::set_fixed_now(ZBMoment(1700000000000000LL));
         g_clock = 0;
         ZBDebug::set_clock(test_clock);
     }
     void TearDown() override
     {
-        ZBDateUtils::clear_fixed_now();
+        ZBMoment::clear_fixed_now();
         ZBDebug::set_clock(nullptr);
         ZBDebug::delete_instance();
         set_zberror(new ZBError());
@@ -78,9 +76,7 @@ TEST_F(LogAndProfile, RotationKeepsTheNewestLinesAfterHalfAnHour)
     for (int i = 0; i < ZBLog::C_KeepLines + 500; ++i)
         log.log("busy", "line " + std::to_string(i));
     EXPECT_EQ(count_lines(log.read("busy")), ZBLog::C_KeepLines + 500);
-    ZBDate later;
-    later.from_micros(1700000000000000LL + 1800LL * 1000000, ZBDate::C_GMT);
-    ZBDateUtils::set_fixed_now(later);
+    ZBMoment::set_fixed_now(ZBMoment(1700000000000000LL + 1800LL * 1000000));
     log.log("busy", "after rotation");
     std::string text = log.read("busy");
     EXPECT_EQ(count_lines(text), ZBLog::C_KeepLines + 1);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 using namespace Tervalon;
@@ -122,4 +123,45 @@ TEST_F(ParamFile, WithoutAUserFileValuesLiveForTheRun)
     EXPECT_EQ(ZBErrC_ok, param.set_system_value("RecalcIdle", 5));
     EXPECT_EQ(5, param.get_system_value("RecalcIdle", 0));
     EXPECT_EQ("", param.get_user_config());
+}
+
+TEST_F(ParamFile, AwkwardValuesAndTagsAreEscapedAndReadBackAsTheyWere)
+{
+    struct Row {
+        const char* tag;
+        const char* value;
+    };
+    const Row rows[] = {
+        {"Note", "first line\nsecond line"},
+        {"Windows", "line\r\n"},
+        {"Path", "C:\\temp\\new"},
+        {"Sum", "a=b=c"},
+        {"Key=WithSeparator", "kept apart"},
+        {"Back\\slash", "\\n is not a line feed here"},
+        {"Trailing", "ends in a backslash\\"},
+    };
+    const std::string file = path("escaped.cfg");
+    {
+        ZBParam param;
+        param.add_config_file(file);
+        for (const Row& row : rows)
+            ASSERT_EQ(ZBErrC_ok, param.set_system_value(row.tag, row.value)) << row.tag;
+    }
+    std::string text = Tervalon::Test::read_file(file);
+    EXPECT_EQ(size_t(sizeof rows / sizeof rows[0]), size_t(std::count(text.begin(), text.end(), '\n'))) << text;
+    EXPECT_NE(std::string::npos, text.find("System=Key\\=WithSeparator=kept apart\n")) << text;
+    ZBParam again;
+    EXPECT_EQ(ZBErrC_ok, again.add_config_file(file));
+    for (const Row& row : rows)
+        EXPECT_EQ(row.value, again.get_system_value(row.tag, std::string("missing"))) << row.tag;
+    EXPECT_FALSE(again.is_system_value_set("Key"));
+}
+
+TEST_F(ParamFile, AHandWrittenBackslashReadsAsItStands)
+{
+    const std::string file = path("by-hand.cfg");
+    Tervalon::Test::write_file(file, "System=Folder=C:\\temp\\data\n");
+    ZBParam param;
+    param.add_config_file(file);
+    EXPECT_EQ("C:\\temp\\data", param.get_system_value("Folder"));
 }

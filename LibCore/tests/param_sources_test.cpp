@@ -181,3 +181,38 @@ TEST_F(ParamSources, EditorComesFromTheEnvironmentUnlessGiven)
     Args none({"tervalon"});
     EXPECT_EQ("vi", make_param(none)->get_editor());
 }
+
+TEST_F(ParamSources, AnOptionGivenForOneRunLeavesTheUsersLineInTheFile)
+{
+    std::string dir = Tervalon::Test::make_temp_dir("param-override");
+    const std::string file = dir + "/user.cfg";
+    Tervalon::Test::write_file(file, "days=20\nquiet=1\nSystem=PlanDays=14\n");
+    Args args({"tervalon", "--days", "30"});
+    auto param = make_param(args);
+    param->add_config_file(file);
+    std::ostringstream out;
+    ASSERT_EQ(ZBErrC_ok, param->parse(out));
+    EXPECT_EQ("30", param->get_value("days"));
+    EXPECT_EQ(ZBErrC_ok, param->set_system_value("Hostname", "desk"));
+    EXPECT_EQ("days=20\nquiet=1\nSystem=PlanDays=14\nSystem=Hostname=desk\n", Tervalon::Test::read_file(file));
+}
+
+TEST_F(ParamSources, AnOptionDeclaredAfterTheFileWasReadGetsItsValueAndKeepsItsLine)
+{
+    std::string dir = Tervalon::Test::make_temp_dir("param-late");
+    const std::string file = dir + "/user.cfg";
+    Tervalon::Test::write_file(file, "colour=blue\nshade=dark\nSystem=PlanDays=14\n");
+    Args args({"tervalon", "--shade", "light"});
+    auto param = make_param(args);
+    param->add_config_file(file);
+    // The application declares its own options only now, as the desktop program does.
+    ZBParamOptionGroup* display = param->get_commandline().add_option_group("Display");
+    display->add_option("colour", "The colour.", true);
+    display->add_option("shade", "The shade.", true);
+    std::ostringstream out;
+    ASSERT_EQ(ZBErrC_ok, param->parse(out));
+    EXPECT_EQ("blue", param->get_value("colour"));
+    EXPECT_EQ("light", param->get_value("shade"));
+    EXPECT_EQ(ZBErrC_ok, param->set_system_value("PlanDays", 15));
+    EXPECT_EQ("colour=blue\nshade=dark\nSystem=PlanDays=15\n", Tervalon::Test::read_file(file));
+}

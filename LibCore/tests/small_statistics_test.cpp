@@ -11,9 +11,10 @@ using namespace Tervalon;
 
 namespace {
 
-ZBDate day(int d)
+// Noon on day d of a month: whole days apart, as the ranking counts them.
+ZBMoment day(int d)
 {
-    return ZBDate(2026, 0, d, 12, 0, 0, 0, ZBDate::C_GMT);
+    return ZBMoment(1767268800000000LL + (long long)d * 86400 * 1000000);
 }
 
 std::vector<double> values(const ZBStatSet& set)

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace Tervalon {
 
@@ -157,7 +158,22 @@ private:
             left = Value::of(c == '*' ? a * b : (c == '/' ? a / b : std::fmod(a, b)));
         }
     }
+    // Every nesting, of brackets or of signs, passes through parse_unary: the
+    // depth is counted there so that a hostile text cannot exhaust the stack.
     Value parse_unary()
+    {
+        if (!m_error.empty())
+            return Value();
+        if (m_depth >= ZBExprEvaluator::C_MaxDepth) {
+            m_error = "the expression is nested more than " + std::to_string(ZBExprEvaluator::C_MaxDepth) + " levels deep";
+            return Value();
+        }
+        ++m_depth;
+        Value value = parse_unary_at_depth();
+        --m_depth;
+        return value;
+    }
+    Value parse_unary_at_depth()
     {
         if (accept("!"))
             return Value::of(!parse_unary().truth());
@@ -178,7 +194,7 @@ private:
         if (c == '(') {
             ++m_pos;
             Value v = parse_or();
-            if (!accept(")"))
+            if (!accept(")") && m_error.empty())
                 m_error = "missing \")\"";
             return v;
         }
@@ -202,12 +218,14 @@ private:
             return Value::of(true);
         if (accept("false"))
             return Value::of(false);
-        m_error = "unexpected \"" + m_text.substr(m_pos) + "\"";
+        if (m_error.empty())
+            m_error = "unexpected \"" + m_text.substr(m_pos) + "\"";
         return Value();
     }
 
     const std::string& m_text;
     size_t m_pos;
+    int m_depth = 0;
     std::string m_error;
 };
 

@@ -10,6 +10,9 @@ namespace Tervalon {
 // are words. Whole numbers print without a decimal point.
 class ZBExprEvaluator {
 public:
+    // Brackets and signs nest at most this deep; deeper text is refused with a message.
+    static constexpr int C_MaxDepth = 200;
+
     static bool evaluate(const std::string& text, std::string& result, std::string& message);
 };
 

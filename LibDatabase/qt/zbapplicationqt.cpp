@@ -8,7 +8,6 @@
 
 #include <QDesktopServices>
 #include <QSocketNotifier>
-#include <QMessageBox>
 #include <QTimer>
 #include <QRegularExpression>
 #include <QUrlQuery>
@@ -98,8 +97,9 @@ int ZBApplicationQt::setup_error()
 
 void ZBApplicationQt::app_started()
 {
+    int result = ZBErrC_ok;
     try {
-        int result = setup_error();
+        result = setup_error();
         if (!iszbwarn(result))
             result = setup_parameters();
         if (result == ZBErrC_okShutdown) {
@@ -110,17 +110,24 @@ void ZBApplicationQt::app_started()
             result = zblocale().read_config();
         if (!iszbwarn(result))
             result = run();
-        if (iszbwarn(result) && get_zberror().get_errorui() && get_zberror().top()) {
-            const ZBErrDetails& top = *get_zberror().top();
-            QMessageBox::critical(nullptr, QString::fromStdString(get_title()),
-                                  QString::fromStdString(top.get_details(ZBErrAsp_User) + "\n" + top.get_details(ZBErrAsp_System)));
+        if (result == ZBErrC_okShutdown) {
+            QCoreApplication::exit(0);
+            return;
         }
-        if (result == ZBErrC_okShutdown || (iszbwarn(result) && zbhandle_error(result, 2) >= 1 && get_nwindows() == 0))
-            QCoreApplication::exit(result == ZBErrC_okShutdown ? 0 : 1);
     } catch (const ZBErrDetails& details) {
-        if (zbhandle_error(details.get_value(), 2) >= 2)
-            QCoreApplication::exit(1);
+        result = details.get_value();
     }
+    if (!iszbwarn(result))
+        return;
+    if (get_nwindows() > 0) {
+        zbhandle_error(result, 2);
+        return;
+    }
+    // Nothing is open: one message, which the user closes, and the run ends.
+    ZBErrorQt::set_waiting(true);
+    zbhandle_error(result, 2);
+    ZBErrorQt::set_waiting(false);
+    QCoreApplication::exit(1);
 }
 
 void ZBApplicationQt::add_window(ZBDBManagerQt* window)

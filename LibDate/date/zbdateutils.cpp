@@ -1,5 +1,6 @@
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zbdatedetails.h"
+#include "LibDate/date/zbdatemoment.h"
 #include "LibDate/date/zbduration.h"
 #include "LibDate/date/zblocale.h"
 
@@ -18,6 +19,9 @@ namespace Tervalon {
 namespace {
 
 // The fixed "now" is set by tests and scripted runs before other threads read it.
+// The foundation's logs and records show moments in the user's date format.
+const bool g_momentFormatInstalled = (ZBMoment::set_formatter(&zb_format_moment), true);
+
 std::atomic<bool> g_fixedNowSet{false};
 ZBDate g_fixedNow;
 std::mutex g_fixedNowMutex;
@@ -115,11 +119,14 @@ void ZBDateUtils::set_fixed_now(const ZBDate& date)
     std::lock_guard<std::mutex> lock(g_fixedNowMutex);
     g_fixedNow = date;
     g_fixedNowSet.store(true, std::memory_order_release);
+    // The foundation's clock is the same clock.
+    ZBMoment::set_fixed_now(zb_moment_from_date(date));
 }
 
 void ZBDateUtils::clear_fixed_now()
 {
     g_fixedNowSet.store(false, std::memory_order_release);
+    ZBMoment::clear_fixed_now();
 }
 
 ZBDate ZBDateUtils::read_date(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config)

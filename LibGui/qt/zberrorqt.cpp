@@ -2,6 +2,7 @@
 #include "LibCore/error/zberror.h"
 
 #include <QApplication>
+#include <QGuiApplication>
 #include <QWidget>
 
 #include <sstream>
@@ -9,6 +10,8 @@
 namespace Tervalon {
 
 namespace {
+
+bool g_waiting = false;
 
 void show_error(const ZBErrDetails& details, int severity)
 {
@@ -44,9 +47,29 @@ ZBErrorQt* ZBErrorQt::start(const ZBErrDetails& details, int severity)
 {
     if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         return nullptr;
+    if (g_waiting) {
+        if (!has_real_display())
+            return nullptr;
+        ZBErrorQt dialog(details, severity, nullptr);
+        dialog.setAttribute(Qt::WA_DeleteOnClose, false);
+        dialog.setWindowModality(Qt::ApplicationModal);
+        dialog.exec();
+        return nullptr;
+    }
     ZBErrorQt* dialog = new ZBErrorQt(details, severity, QApplication::activeWindow());
     dialog->show();
     return dialog;
+}
+
+void ZBErrorQt::set_waiting(bool waiting)
+{
+    g_waiting = waiting;
+}
+
+bool ZBErrorQt::has_real_display()
+{
+    const QString platform = QGuiApplication::platformName();
+    return platform != "offscreen" && platform != "minimal";
 }
 
 std::string ZBErrorQt::active_window_name()

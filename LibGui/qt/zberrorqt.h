@@ -19,6 +19,12 @@ public:
     // Shows a dialog for the record; severity 1 and 2 are titled "Warning",
     // 3 "Error", 4 "Fatal Error".
     static ZBErrorQt* start(const ZBErrDetails& details, int severity);
+    // While on, start() waits until the user closes the dialog: for a failure
+    // before any window exists, whose message must be read before the program
+    // ends. With no real display (offscreen or minimal platform) no dialog is
+    // shown at all, as nobody could close it; the terminal has the message.
+    static void set_waiting(bool waiting);
+    static bool has_real_display();
     // Joins the error system: zbhandle_error shows this dialog, and reports
     // record the active window's name.
     static void install();

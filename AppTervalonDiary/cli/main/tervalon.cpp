@@ -22,7 +22,8 @@ int main(int argc, char** argv)
     param->add_config_file(param->default_user_config());
     Tervalon::set_zblocale(new Tervalon::ZBLocaleQt());
     Tervalon::zblocale().read_config();
-    Tervalon::get_zberror().clear_all();
+    // A damaged settings line is the user's to know of; the command goes on with the rest.
+    Tervalon::get_zberror().print_and_clear(std::cerr, "tervalon: ");
     std::vector<std::string> args(argv, argv + argc);
     Tervalon::TervalonCli cli;
     return cli.run(args, std::cout, std::cerr);
