@@ -973,7 +973,7 @@ std::vector<std::string> ZBDateRepeat::get_days_options(int type, bool longForm)
     std::vector<std::string> options;
     if (type == E_Weeks) {
         for (int d = 0; d < 7; ++d)
-            options.push_back(zblocale().weekday_name(d, longForm));
+            options.push_back(zblocale().weekday_name(d, !longForm));
     } else if (type == E_Months) {
         for (int d = 0; d < 31; ++d)
             options.push_back(ordinal(d + 1));
@@ -981,7 +981,7 @@ std::vector<std::string> ZBDateRepeat::get_days_options(int type, bool longForm)
         options.push_back(ordinal(-2));
     } else if (type == E_Years) {
         for (int m = 0; m < 12; ++m)
-            options.push_back(zblocale().month_name(m, longForm));
+            options.push_back(zblocale().month_name(m, !longForm));
     }
     return options;
 }
@@ -1010,7 +1010,7 @@ std::string ZBDateRepeat::monthday_to_string(int day)
         int week = 0;
         int weekday = 0;
         from_weekday_of_month(day, week, weekday);
-        return (week == 5 ? std::string("last") : ordinal(week + 1)) + " " + zblocale().weekday_name(weekday, true);
+        return (week == 5 ? std::string("last") : ordinal(week + 1)) + " " + zblocale().weekday_name(weekday, false);
     }
     return day < 0 ? ordinal(day) : ordinal(day + 1);
 }
@@ -1020,8 +1020,8 @@ std::string ZBDateRepeat::yearday_to_string(int day)
     int a = 0;
     int b = 0;
     if (from_yearday(day, a, b))
-        return zblocale().weekday_name(a, true) + " week " + std::to_string(b + 1);
-    return std::to_string(a + 1) + " " + zblocale().month_name(b, false);
+        return zblocale().weekday_name(a, false) + " week " + std::to_string(b + 1);
+    return std::to_string(a + 1) + " " + zblocale().month_name(b, true);
 }
 
 std::string ZBDateRepeat::get_days_str() const
@@ -1029,7 +1029,7 @@ std::string ZBDateRepeat::get_days_str() const
     std::vector<std::string> parts;
     for (int day : m_days) {
         if (m_type == E_Weeks)
-            parts.push_back(zblocale().weekday_name(day, false));
+            parts.push_back(zblocale().weekday_name(day, true));
         else if (m_type == E_Months)
             parts.push_back(monthday_to_string(day));
         else if (m_type == E_Years)

@@ -170,8 +170,8 @@ TEST_F(DateText, Weekdays)
         {"1st Mon", "2026-03-02T10:30:00Z"},
         {"2nd Tue", "2026-03-10T10:30:00Z"},
         {"6th Fri", "2026-03-27T10:30:00Z"}, // the sixth is the last
-        // A month named first is set last, after the weekday was found in this month.
-        {"Apr 1st Mon", "2026-04-02T10:30:00Z"},
+        // A month named first is set first, so the weekday is found in it.
+        {"Apr 1st Mon", "2026-04-06T10:30:00Z"},
     };
     check(rows, sizeof rows / sizeof rows[0]);
 }
@@ -233,13 +233,20 @@ TEST_F(DateText, CutShortTextKeepsWhatCameBefore)
     EXPECT_EQ(ZBDateUtils::read_date("tomorrow next").to_iso(), "2026-03-05T10:30:00Z");
 }
 
-TEST_F(DateText, StoredDigitsAreReadAsStored)
+TEST_F(DateText, DigitsAreDateTextNeverAStoredDate)
 {
+    // Twelve digits typed by a person are no date; only stored text is read as stored.
+    ZBDate date;
+    EXPECT_FALSE(date.from_string("202603021400"));
+    EXPECT_FALSE(date.from_string(" 070508080202026000000 "));
+    ZBDate checked;
+    EXPECT_TRUE(iszbwarn(ZBDateParser::read_checked("202603021400", nullptr, nullptr, checked)));
+    EXPECT_FALSE(checked.is_ok());
     const ZBDate stored(2026, 2, 8, 8, 5, 7, 0, ZBDate::C_GMT);
     std::ostringstream out;
     out << stored;
     ZBDate back;
-    EXPECT_TRUE(back.from_string(out.str()));
+    back.read_stored(out.str());
     EXPECT_EQ(back, stored);
 }
 
@@ -266,6 +273,9 @@ TEST_F(DateText, CheckedReadingRefusesWhatTheLenientOneCarries)
         {"7th Mon", "Invalid date value: 7th Mon. There is no 7th weekday in a month."},
         {"99999999999", "Invalid date value: 99999999999"},
         {"+999999999 Year", "Invalid date value: +999999999 Year"},
+        {"202603021400", "Invalid date value: 202603021400"},
+        {"14:00 UTC+12:30", "Invalid date value: 14:00 UTC+12:30"},
+        {"14:00 UTC+15", "Invalid date value: 14:00 UTC+15"},
     };
     for (const auto& row : rows) {
         ZBDate date;
@@ -278,6 +288,8 @@ TEST_F(DateText, CheckedReadingRefusesWhatTheLenientOneCarries)
     ZBDate date;
     EXPECT_EQ(ZBDateParser::read_checked("29/2/2028", nullptr, nullptr, date), ZBErrC_ok);
     EXPECT_EQ(date.to_iso(), "2028-02-29T10:30:00Z");
+    EXPECT_EQ(ZBDateParser::read_checked("Feb 2nd last day", nullptr, nullptr, date), ZBErrC_ok);
+    EXPECT_EQ(date.to_iso(), "2026-02-27T10:30:00Z");
     EXPECT_EQ(ZBDateParser::read_checked(" ", nullptr, nullptr, date), ZBErrC_ok);
     EXPECT_TRUE(date.is_blank());
 }
