@@ -183,7 +183,8 @@ size_t fused_length(const std::vector<ZBDateExpTerm>& terms, size_t i)
     auto is_year = [&](size_t j) { return type_at(terms, j) == T::SetYear && value_at(terms, j) > 0; };
     if (type == T::SetDay && value_at(terms, i) >= 0 && is_month(i + 1))
         return is_year(i + 2) ? 3 : 2;
-    if (is_month(i) && is_year(i + 1))
+    // A year before a month joins it too: "2027 Mar" would read as a day.
+    if ((is_month(i) && is_year(i + 1)) || (is_year(i) && is_month(i + 1)))
         return 2;
     return 1;
 }

@@ -16,6 +16,10 @@ namespace {
 
 using T = ZBDateExpTerm;
 
+// The tag of a day counted back from the month's end, which the strict
+// reader tells apart from a day written as 0.
+const char* const C_FromEnd = "END";
+
 // Nine digits always fit an int; a longer number is no date anyone means.
 constexpr size_t C_MaxDigits = 9;
 constexpr int C_MaxWeeks = 100000000;
@@ -217,7 +221,7 @@ private:
             add(T::SetWeekday, weekday);
             drop_date_separator();
         } else if (what == "DAY" && direction < 0) {
-            add(T::SetDay, -1); // the last day of the month
+            add(T::SetDay, -1, C_FromEnd); // the last day of the month
         } else if (what == "WEEK") {
             add(T::AddDay, 7 * direction);
         } else if (what == "MONTH") {
@@ -313,7 +317,7 @@ private:
                 if (peek() != "DAY" || a < 1)
                     return false;
                 m_tokens.pop_token();
-                add(T::SetDay, -a);
+                add(T::SetDay, -a, C_FromEnd);
             } else {
                 add(T::SetDay, a - 1);
             }
@@ -671,12 +675,16 @@ std::string ZBDateParser::impossible_field(const ZBDateExp& exp, const ZBDate& s
                 return zb_sprintf("There is no month %d.", term.m_value + 1);
             break;
         case T::SetDay: {
-            // A negative day counts from the month's end ("Last Day"); a
-            // written date with day 0 is a mistake.
-            if (term.m_value < 0 && (next == T::SetMonth || term.m_value < -31))
+            // A day counted from the month's end ("Last Day") is marked so; any
+            // other day below 1 was written as 0 ("0/3", "0th").
+            if (term.m_value < 0 && term.m_tag != C_FromEnd)
                 return "There is no day 0.";
-            if (term.m_value < 0)
+            if (term.m_value < 0) {
+                if (term.m_value < -31)
+                    return zb_sprintf("No month has a %d%s last day.", -term.m_value,
+                                      ZBLocale::get_ordinal(-term.m_value, false).c_str());
                 break;
+            }
             if (next != T::SetMonth) {
                 if (term.m_value > 30)
                     return zb_sprintf("No month has a day %d.", term.m_value + 1);

@@ -519,15 +519,40 @@ ZBLocale& zblocale()
     return *locale;
 }
 
-void set_zblocale(ZBLocale* locale)
+namespace {
+
+void install_locale(ZBLocale* locale)
 {
-    std::lock_guard<std::mutex> lock(locale_mutex());
     std::vector<std::unique_ptr<ZBLocale>>& kept = kept_locales();
     const bool known = std::any_of(kept.begin(), kept.end(),
                                    [locale](const std::unique_ptr<ZBLocale>& one) { return one.get() == locale; });
     if (locale && !known)
         kept.emplace_back(locale);
     g_locale.store(locale, std::memory_order_release);
+}
+
+std::mutex& update_mutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+} // namespace
+
+void set_zblocale(ZBLocale* locale)
+{
+    std::lock_guard<std::mutex> lock(locale_mutex());
+    install_locale(locale);
+}
+
+void update_zblocale(const std::function<void(ZBLocale&)>& change)
+{
+    // One change at a time, so that two do not each copy the same old locale.
+    std::lock_guard<std::mutex> changing(update_mutex());
+    std::unique_ptr<ZBLocale> copy(zblocale().clone());
+    change(*copy);
+    std::lock_guard<std::mutex> lock(locale_mutex());
+    install_locale(copy.release());
 }
 
 } // namespace Tervalon

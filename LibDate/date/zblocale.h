@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <utility>
@@ -24,6 +25,8 @@ class ZBLocale {
 public:
     ZBLocale();
     virtual ~ZBLocale();
+    // A copy of the same class, for update_zblocale().
+    virtual ZBLocale* clone() const { return new ZBLocale(*this); }
 
     // The user's choices from the system values, and back.
     virtual int read_config();
@@ -174,5 +177,9 @@ ZBLocale& zblocale();
 // ownership. A change of settings installs a changed copy instead of changing
 // the locale in use, so that other threads never see half a change.
 void set_zblocale(ZBLocale* locale);
+// Makes a copy of the locale in use, lets change alter it and installs the
+// copy: the way to change one setting while other threads read the locale.
+// Changes are made one at a time.
+void update_zblocale(const std::function<void(ZBLocale&)>& change);
 
 } // namespace Tervalon

@@ -274,6 +274,8 @@ TEST_F(DateText, CheckedReadingRefusesWhatTheLenientOneCarries)
         {"99999999999", "Invalid date value: 99999999999"},
         {"+999999999 Year", "Invalid date value: +999999999 Year"},
         {"202603021400", "Invalid date value: 202603021400"},
+        {"0th", "Invalid date value: 0th. There is no day 0."},
+        {"40th last day", "Invalid date value: 40th last day. No month has a 40th last day."},
         {"14:00 UTC+12:30", "Invalid date value: 14:00 UTC+12:30"},
         {"14:00 UTC+15", "Invalid date value: 14:00 UTC+15"},
     };
@@ -290,6 +292,8 @@ TEST_F(DateText, CheckedReadingRefusesWhatTheLenientOneCarries)
     EXPECT_EQ(date.to_iso(), "2028-02-29T10:30:00Z");
     EXPECT_EQ(ZBDateParser::read_checked("Feb 2nd last day", nullptr, nullptr, date), ZBErrC_ok);
     EXPECT_EQ(date.to_iso(), "2026-02-27T10:30:00Z");
+    EXPECT_EQ(ZBDateParser::read_checked("Apr 3rd last day", nullptr, nullptr, date), ZBErrC_ok);
+    EXPECT_EQ(date.to_iso(), "2026-04-28T10:30:00Z");
     EXPECT_EQ(ZBDateParser::read_checked(" ", nullptr, nullptr, date), ZBErrC_ok);
     EXPECT_TRUE(date.is_blank());
 }

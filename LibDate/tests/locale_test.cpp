@@ -191,6 +191,12 @@ TEST_F(Locale, ReplacingKeepsTheOldLocaleAlive)
     set_zblocale(new FrenchLocale());
     EXPECT_EQ(before.weekday_name(1, false), "Monday");
     EXPECT_EQ(zblocale().weekday_name(1, false), "lundi");
+    // A change made on a copy is seen by new readers only.
+    const ZBLocale& french = zblocale();
+    update_zblocale([](ZBLocale& locale) { locale.set_workhours(6.5); });
+    EXPECT_EQ(french.get_workhours(), 8.0);
+    EXPECT_EQ(zblocale().get_workhours(), 6.5);
+    EXPECT_EQ(zblocale().weekday_name(1, false), "lundi");
     set_zblocale(nullptr);
     std::vector<const ZBLocale*> seen(4, nullptr);
     std::vector<std::thread> threads;
