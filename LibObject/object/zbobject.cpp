@@ -91,7 +91,27 @@ void ZBObject::set_defaults(bool) {}
 
 int ZBObject::register_objectname(const std::string& name, ZBCreateFunction create)
 {
+    // Every object registers its class at each level of its descent, and the
+    // planner makes millions of date sets and repeat rules: after the first
+    // time on a thread a class is known by its create function and name
+    // without hashing the name. Ids never change once given out.
+    struct Known {
+        ZBCreateFunction create = nullptr;
+        const std::string* name = nullptr;
+        int id = -1;
+    };
+    thread_local Known known[16];
+    thread_local int next = 0;
+    for (const Known& one : known)
+        if (one.create == create && one.create && *one.name == name) {
+            m_classId = one.id;
+            return m_classId;
+        }
     zbclassindex().append(name, create, m_classId);
+    if (ZBObjectIndexEntry* entry = zbclassindex().get(m_classId)) {
+        known[next] = Known{create, &entry->m_name, m_classId};
+        next = (next + 1) % 16;
+    }
     return m_classId;
 }
 
