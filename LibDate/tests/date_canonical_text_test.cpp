@@ -71,6 +71,7 @@ TEST_F(CanonicalText, TypedTextsReadBackToTheSameExpression)
         {"14:00 UTC-9:30 DST", "14:00:00 UTC-9:30 DST"},
         {"now +-1 week", "Now +-7 Day"},
         {"+-3 Month (1-Apr|1-Jul|1-Oct|+1 Year 1-Jan)", nullptr},
+        {"(Jan|Feb) +1 Day", "(Jan|Feb) +1 Day"},
         {"12:00AM +1 Month 1st +-1 Day", nullptr},
         {"next Mon 9:15PM", nullptr},
         {"6th Fri", nullptr},

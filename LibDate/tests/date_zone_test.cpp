@@ -190,22 +190,3 @@ TEST(DateZone, ZonesOfTwelveHoursAndMore)
     EXPECT_FALSE(ZBDateUtils::is_fixed_zone(ZBDate::C_DefaultTime));
     EXPECT_EQ(ZBDate::C_GMT, ZBDateUtils::seconds_to_zone(45000, false, false));
 }
-
-// A zone set through our own call is seen at once by the cached answers.
-TEST(DateZone, SettingTheMachineZoneEmptiesTheCache)
-{
-    TzGuard london("Europe/London");
-    EXPECT_EQ(0, ZBDateUtils::local_standard_zone());
-    EXPECT_TRUE(ZBDateUtils::date_is_dst(0, 6, 2026));
-    {
-        TzGuard tokyo("Asia/Tokyo");
-        EXPECT_EQ(2 * 9 * 3600, ZBDateUtils::local_standard_zone());
-        EXPECT_FALSE(ZBDateUtils::date_is_dst(0, 6, 2026));
-        {
-            TzGuard chatham("Pacific/Chatham");
-            EXPECT_EQ(91800, ZBDateUtils::local_standard_zone());
-        }
-    }
-    EXPECT_EQ(0, ZBDateUtils::local_standard_zone());
-    EXPECT_TRUE(ZBDateUtils::date_is_dst(0, 6, 2026));
-}
