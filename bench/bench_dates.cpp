@@ -1,6 +1,8 @@
 #include "LibDate/date/zbdatedetails.h"
+#include "LibDate/date/zbdaterepeat.h"
 #include "LibDate/date/zbdateslot.h"
 #include "LibDate/date/zbdateutils.h"
+#include "LibDate/dateset/zbdateset.h"
 
 #include <benchmark/benchmark.h>
 
@@ -33,8 +35,7 @@ BENCHMARK(BM_DetailsRoundTrip);
 // The same in a zone with summer time, where each step asks about DST.
 void BM_DetailsRoundTripLondon(benchmark::State& state)
 {
-    setenv("TZ", "Europe/London", 1);
-    tzset();
+    ZBDateUtils::set_machine_zone("Europe/London");
     ZBDate date(2026, 2, 9, 8, 30, 0, 0, ZBDate::C_LocalTime);
     for (auto _ : state) {
         ZBDateDetails d(date, ZBDate::C_LocalTime);
@@ -44,8 +45,7 @@ void BM_DetailsRoundTripLondon(benchmark::State& state)
             date = ZBDate(2026, 2, 9, 8, 30, 0, 0, ZBDate::C_LocalTime);
         benchmark::DoNotOptimize(date);
     }
-    setenv("TZ", "UTC", 1);
-    tzset();
+    ZBDateUtils::set_machine_zone("UTC");
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_DetailsRoundTripLondon);
@@ -109,6 +109,37 @@ void BM_StartWeek(benchmark::State& state)
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_StartWeek);
+
+// The planner makes a set of free time and a repeat rule for each request and
+// instance: construction alone, which registers the class each time.
+void BM_MakeDateSet(benchmark::State& state)
+{
+    for (auto _ : state) {
+        ZBDateSet set;
+        benchmark::DoNotOptimize(set);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_MakeDateSet);
+
+void BM_MakeDateRepeat(benchmark::State& state)
+{
+    for (auto _ : state) {
+        ZBDateRepeat repeat;
+        benchmark::DoNotOptimize(repeat);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_MakeDateRepeat);
+
+// The machine's zone, asked at every breakdown of a date.
+void BM_LocalZone(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(ZBDateUtils::local_standard_zone());
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_LocalZone);
 
 } // namespace
 

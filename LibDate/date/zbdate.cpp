@@ -236,20 +236,8 @@ void ZBDate::recalculate()
 
 bool ZBDate::from_string(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config)
 {
-    // A stored date (twelve digits or more, nothing else) is read as stored;
-    // shorter numbers are years and days in date text.
-    size_t first = text.find_first_not_of(" \t");
-    size_t last = text.find_last_not_of(" \t");
-    if (first != std::string::npos) {
-        std::string trimmed = text.substr(first, last - first + 1);
-        if (trimmed.size() >= 12 && trimmed.find_first_not_of("0123456789-") == std::string::npos) {
-            std::istringstream in(trimmed);
-            ZBDate date;
-            in >> date;
-            *this = date;
-            return is_ok();
-        }
-    }
+    // Only date text: a run of digits is a year or a day here, never a stored
+    // date, which only the readers of stored text take.
     *this = ZBDateParser::parse_date(text).apply(relative ? *relative : C_Blank, config);
     return !is_invalid();
 }
@@ -302,8 +290,8 @@ std::string ZBDate::to_string(const std::string& format) const
     const std::string longDay = locale.day_format(false);
     const std::string shortDay = locale.day_format(true);
     replace_all(text, "%D", longDay);
-    replace_all(text, "%E", longDay + " " + locale.time_format(true));
-    replace_all(text, "%T", locale.time_format(true));
+    replace_all(text, "%E", longDay + " " + locale.time_format(false));
+    replace_all(text, "%T", locale.time_format(false));
 
     bool smart = text.find("%F") != std::string::npos || text.find("%C") != std::string::npos
         || text.find("%c") != std::string::npos || text.find("%O") != std::string::npos;
@@ -321,12 +309,12 @@ std::string ZBDate::to_string(const std::string& format) const
         case E_Today:
             fText = "%a";
             cText = "%a";
-            oText = locale.time_format(false);
+            oText = locale.time_format(true);
             break;
         case E_ThisWeek:
             fText = "%a";
             cText = "%a";
-            oText = "%a " + locale.time_format(false);
+            oText = "%a " + locale.time_format(true);
             break;
         case E_OtherYear:
             fText = "%a " + longDay;
@@ -337,19 +325,19 @@ std::string ZBDate::to_string(const std::string& format) const
         replace_all(text, "%F", fText);
         replace_all(text, "%C", fText.empty() ? std::string("%t") : fText + " %t");
         // %t and %i come below, after %C has put its %t in.
-        replace_all(text, "%t", (d.m_second == 0 && d.m_micro == 0) ? locale.time_format(false) : locale.time_format(true));
-        replace_all(text, "%i", locale.time_format(false));
+        replace_all(text, "%t", (d.m_second == 0 && d.m_micro == 0) ? locale.time_format(true) : locale.time_format(false));
+        replace_all(text, "%i", locale.time_format(true));
         replace_all(text, "%c", cText);
         replace_all(text, "%O", oText);
     } else {
-        replace_all(text, "%t", (d.m_second == 0 && d.m_micro == 0) ? locale.time_format(false) : locale.time_format(true));
-        replace_all(text, "%i", locale.time_format(false));
+        replace_all(text, "%t", (d.m_second == 0 && d.m_micro == 0) ? locale.time_format(true) : locale.time_format(false));
+        replace_all(text, "%i", locale.time_format(true));
     }
 
-    replace_all(text, "%a", locale.weekday_name(d.m_dayWeek, false));
-    replace_all(text, "%A", locale.weekday_name(d.m_dayWeek, true));
-    replace_all(text, "%b", locale.month_name(d.m_month, false));
-    replace_all(text, "%B", locale.month_name(d.m_month, true));
+    replace_all(text, "%a", locale.weekday_name(d.m_dayWeek, true));
+    replace_all(text, "%A", locale.weekday_name(d.m_dayWeek, false));
+    replace_all(text, "%b", locale.month_name(d.m_month, true));
+    replace_all(text, "%B", locale.month_name(d.m_month, false));
     replace_all(text, "%d", printed("%02ld", d.m_dayMonth + 1));
     replace_all(text, "%e", printed("%2ld", d.m_dayMonth + 1));
     replace_all(text, "%H", printed("%02ld", d.m_hour));
@@ -591,6 +579,16 @@ void date_from_digits(const std::string& digits, ZBDate& date)
     date = ZBDate(outYear, dayOfYear, hour * ZBDate::C_HourSecs + minute * ZBDate::C_MinSecs + second, micro, zone);
 }
 
+// A quoted field holds date text; a stored date in quotes, which older
+// writers of hand-made files produced, is still read as stored.
+void read_quoted(const std::string& text, ZBDate& date)
+{
+    if (text.size() >= 12 && text.find_first_not_of("0123456789-") == std::string::npos)
+        date_from_digits(text, date);
+    else
+        date.from_string(text);
+}
+
 } // namespace
 
 void ZBDate::read_stored(const std::string& text)
@@ -600,7 +598,7 @@ void ZBDate::read_stored(const std::string& text)
         ++i;
     if (i < text.size() && text[i] == '"') {
         size_t end = text.find('"', i + 1);
-        from_string(text.substr(i + 1, end == std::string::npos ? std::string::npos : end - i - 1));
+        read_quoted(text.substr(i + 1, end == std::string::npos ? std::string::npos : end - i - 1), *this);
         return;
     }
     size_t start = i;
@@ -623,7 +621,7 @@ std::istream& operator>>(std::istream& in, ZBDate& date)
         std::string text;
         while (in.get(c) && c != '"')
             text += c;
-        date.from_string(text);
+        read_quoted(text, date);
         if (in.eof())
             in.clear(std::ios::eofbit);
         return in;

@@ -34,8 +34,13 @@ public:
     static const int C_DaysInMonthL[12];
 
     // Zones: twice the standard offset east of GMT, plus or minus one for DST.
-    static constexpr int C_ZoneMin = -86400;
-    static constexpr int C_ZoneMax = 86400;
+    // Offsets run from 12 hours west to 14 hours east (Kiribati), so the codes
+    // run past the three symbolic zones below; the offset that would land on
+    // one of them (12:30 east, which no place uses) is refused.
+    static constexpr int C_OffsetMin = -12 * 3600;
+    static constexpr int C_OffsetMax = 14 * 3600;
+    static constexpr int C_ZoneMin = 2 * C_OffsetMin - 1;
+    static constexpr int C_ZoneMax = 2 * C_OffsetMax + 1;
     static constexpr int C_GMT = 0;
     static constexpr int C_LocalTime = 90000;
     static constexpr int C_OriginalTime = 90001;
@@ -86,8 +91,9 @@ public:
     void recalculate();
 
     // Date text ("now +-1 Week", "9-Mar-2026 14:00") run on relative, or on now
-    // when relative is null; a stored date's digits are read as stored. False
-    // only when the result is invalid: empty text gives the blank date.
+    // when relative is null; digits are read as date text, never as a stored
+    // date. False only when the result is invalid: empty text gives the blank
+    // date. Text a person has typed goes through ZBDateParser::read_checked.
     bool from_string(const std::string& text, const ZBDate* relative = nullptr, const ZBRepeatConfig* config = nullptr);
     // The format codes of the locale's formats ("%a %d/%b/%Y %H:%M" and the like),
     // shown in the date's own zone; blank and invalid dates give an empty text.

@@ -152,17 +152,67 @@ ZBDate ZBDateExp::evaluate_depth(const ZBDateDetails& start, const ZBRepeatConfi
     return details.get_date(ZBDate::C_OriginalTime);
 }
 
+namespace {
+
+using T = ZBDateExpTerm;
+
+int type_at(const std::vector<ZBDateExpTerm>& terms, size_t i)
+{
+    return i < terms.size() ? terms[i].m_type : -1;
+}
+
+int value_at(const std::vector<ZBDateExpTerm>& terms, size_t i)
+{
+    return i < terms.size() ? terms[i].m_value : -1;
+}
+
+// How many terms from i print as one piece of text. A clock is only written
+// as "9:30:05.000007" when all four fields are there, since the reader of
+// that form sets all four; a date joins a day of the month, a month and a
+// year that a reader can take back as one date.
+size_t fused_length(const std::vector<ZBDateExpTerm>& terms, size_t i)
+{
+    const int type = type_at(terms, i);
+    if (type == T::SetHour && type_at(terms, i + 1) == T::SetMinute && type_at(terms, i + 2) == T::SetSecond
+        && type_at(terms, i + 3) == T::SetMicro && value_at(terms, i) >= 0 && value_at(terms, i + 1) >= 0
+        && value_at(terms, i + 2) >= 0 && value_at(terms, i + 3) >= 0 && value_at(terms, i + 3) < ZBDate::C_MicroSecs)
+        return 4;
+    auto is_month = [&](size_t j) {
+        return type_at(terms, j) == T::SetMonth && value_at(terms, j) >= 0 && value_at(terms, j) < 12;
+    };
+    auto is_year = [&](size_t j) { return type_at(terms, j) == T::SetYear && value_at(terms, j) > 0; };
+    if (type == T::SetDay && value_at(terms, i) >= 0 && is_month(i + 1))
+        return is_year(i + 2) ? 3 : 2;
+    // A year before a month joins it too: "2027 Mar" would read as a day.
+    if ((is_month(i) && is_year(i + 1)) || (is_year(i) && is_month(i + 1)))
+        return 2;
+    return 1;
+}
+
+} // namespace
+
 std::string ZBDateExp::to_string() const
 {
     std::string text;
-    for (int i = 0; i < size(); ++i) {
-        int previous = i > 0 ? m_term[size_t(i - 1)].m_type : -1;
-        int next = i + 1 < size() ? m_term[size_t(i + 1)].m_type : -1;
-        std::string part = m_term[size_t(i)].to_string(previous, next);
-        // Inside brackets the first term needs no blank before it.
-        if ((previous == ZBDateExpTerm::Open || previous == ZBDateExpTerm::Or) && !part.empty() && part[0] == ' ')
-            part.erase(0, 1);
-        text += part;
+    size_t i = 0;
+    while (i < m_term.size()) {
+        const size_t length = fused_length(m_term, i);
+        const int before = i > 0 ? m_term[i - 1].m_type : -1;
+        for (size_t j = i; j < i + length; ++j) {
+            // Neighbours outside the piece are not passed on, so nothing fuses across it.
+            int previous = j > i ? m_term[j - 1].m_type : -1;
+            int next = j + 1 < i + length ? m_term[j + 1].m_type : -1;
+            std::string part = m_term[j].to_string(previous, next);
+            // Inside brackets the first term needs no blank before it.
+            if (j == i && (before == T::Open || before == T::Or) && !part.empty() && part[0] == ' ')
+                part.erase(0, 1);
+            text += part;
+        }
+        // An ordinal day before a weekday would be read as "the 2nd Monday".
+        if (length == 1 && m_term[i].m_type == T::SetDay && m_term[i].m_value >= 0
+            && type_at(m_term, i + 1) == T::SetWeekday)
+            text += ",";
+        i += length;
     }
     size_t start = text.find_first_not_of(' ');
     return start == std::string::npos ? std::string() : text.substr(start);

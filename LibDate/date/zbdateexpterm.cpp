@@ -242,6 +242,8 @@ std::string ZBDateExpTerm::to_string(int previousType, int nextType) const
             return v ? number(".%06ld", v) : std::string();
         return " uSecond " + std::to_string(v);
     case SetDay:
+        if (v < 0)
+            return v == -1 ? std::string(" Last Day") : " " + std::to_string(-v) + ZBLocale::get_ordinal(-v, false) + " Last Day";
         if (nextType == SetMonth)
             return " " + std::to_string(v + 1);
         return " " + std::to_string(v + 1) + ZBLocale::get_ordinal(v + 1, false);
@@ -250,7 +252,8 @@ std::string ZBDateExpTerm::to_string(int previousType, int nextType) const
         // would read the year as a day.
         return (previousType == SetDay || previousType == SetYear ? "-" : " ") + ZBLocale::english_month(v);
     case SetYear:
-        return (previousType == SetMonth ? "/" : " ") + std::to_string(v);
+        // Four digits at least, so that a small year is not read as a day.
+        return (previousType == SetMonth ? "/" : " ") + number("%04ld", v);
     case SetWeekday: {
         if (v <= 9)
             return " " + ZBLocale::english_weekday(v);

@@ -16,6 +16,10 @@ namespace {
 
 using T = ZBDateExpTerm;
 
+// The tag of a day counted back from the month's end, which the strict
+// reader tells apart from a day written as 0.
+const char* const C_FromEnd = "END";
+
 // Nine digits always fit an int; a longer number is no date anyone means.
 constexpr size_t C_MaxDigits = 9;
 constexpr int C_MaxWeeks = 100000000;
@@ -99,9 +103,22 @@ private:
             m_tokens.pop_token();
     }
 
+    // A month named on its own takes effect before whatever comes next, so
+    // that "Mar 1st Mon" and "Mar Last Day" count within March; only a day
+    // number joins it as one date.
+    void add(int type, int value, const std::string& tag = std::string())
+    {
+        if (m_pendingMonth >= 0) {
+            m_exp.add_term(T::SetMonth, m_pendingMonth);
+            m_pendingMonth = -1;
+        }
+        m_exp.add_term(type, value, tag);
+    }
+
     void invalid()
     {
         m_exp.set_defaults();
+        m_pendingMonth = -1;
         m_exp.add_term(T::Invalid, 0);
     }
 
@@ -126,16 +143,16 @@ private:
         bool pm = !am && m_tokens.match("PM");
         if (!am && !pm && !force)
             return false;
-        m_exp.add_term(T::SetHour, hour);
+        add(T::SetHour, hour);
         if (!hourOnly) {
-            m_exp.add_term(T::SetMinute, minute);
-            m_exp.add_term(T::SetSecond, second);
-            m_exp.add_term(T::SetMicro, micro);
+            add(T::SetMinute, minute);
+            add(T::SetSecond, second);
+            add(T::SetMicro, micro);
         }
         if (am)
-            m_exp.add_term(T::AM, 1);
+            add(T::AM, 1);
         if (pm)
-            m_exp.add_term(T::PM, 1);
+            add(T::PM, 1);
         return am || pm;
     }
 
@@ -144,7 +161,7 @@ private:
         const std::string word = m_tokens.pop_token();
         int weekday = m_locale.weekday_number(word);
         if (weekday >= 0) {
-            m_exp.add_term(T::SetWeekday, weekday);
+            add(T::SetWeekday, weekday);
             drop_date_separator();
             return true;
         }
@@ -157,31 +174,31 @@ private:
         if (word == "NEXT" || word == "LAST")
             return next_or_last(word == "NEXT" ? 1 : -1);
         if (word == "NOW")
-            m_exp.add_term(T::Now, 0);
+            add(T::Now, 0);
         else if (word == "TOMORROW" || word == "TOM")
-            m_exp.add_term(T::Tomorrow, 0);
+            add(T::Tomorrow, 0);
         else if (word == "YESTERDAY" || word == "YES")
-            m_exp.add_term(T::Yesterday, 0);
+            add(T::Yesterday, 0);
         else if (word == "TODAY" || word == "TOD")
-            m_exp.add_term(T::Today, 0);
+            add(T::Today, 0);
         else if (word == "HOUR" || word == "MINUTE" || word == "SECOND" || word == "USECOND" || word == "WEEK")
             return clock_field(word);
         else if (word == "GMT" || word == "UTC")
             return zone();
         else if (word == "DST" || word == "NODST")
-            m_exp.add_term(T::SetDST, word == "DST" ? 1 : 0);
+            add(T::SetDST, word == "DST" ? 1 : 0);
         else if (word == "DEFAULTZONE")
-            m_exp.add_term(T::SetZone, ZBDate::C_DefaultTime);
+            add(T::SetZone, ZBDate::C_DefaultTime);
         else if (word == "LOCAL")
-            m_exp.add_term(T::SetZone, ZBDate::C_LocalTime);
+            add(T::SetZone, ZBDate::C_LocalTime);
         else if (word == "WORKDAY")
-            m_exp.add_term(T::WorkDay, 0);
+            add(T::WorkDay, 0);
         else if (word == "WORKDAYFOR")
-            m_exp.add_term(T::WorkDay, 0, tag());
+            add(T::WorkDay, 0, tag());
         else if (word == "FIXED")
-            m_exp.add_term(T::Fixed, 0);
+            add(T::Fixed, 0);
         else if (word == "FIXEDFOR")
-            m_exp.add_term(T::Fixed, 0, tag());
+            add(T::Fixed, 0, tag());
         else {
             invalid();
             return false;
@@ -200,19 +217,21 @@ private:
         const std::string what = tag();
         int weekday = m_locale.weekday_number(what);
         if (weekday >= 0) {
-            m_exp.add_term(T::AddDay, 7 * direction);
-            m_exp.add_term(T::SetWeekday, weekday);
+            add(T::AddDay, 7 * direction);
+            add(T::SetWeekday, weekday);
             drop_date_separator();
+        } else if (what == "DAY" && direction < 0) {
+            add(T::SetDay, -1, C_FromEnd); // the last day of the month
         } else if (what == "WEEK") {
-            m_exp.add_term(T::AddDay, 7 * direction);
+            add(T::AddDay, 7 * direction);
         } else if (what == "MONTH") {
-            m_exp.add_term(T::AddMonth, direction);
+            add(T::AddMonth, direction);
         } else if (what == "YEAR") {
-            m_exp.add_term(T::AddYear, direction);
+            add(T::AddYear, direction);
         } else if (what == "WORKDAY") {
-            m_exp.add_term(T::WorkDay, direction);
+            add(T::WorkDay, direction);
         } else if (what == "WORKDAYFOR") {
-            m_exp.add_term(T::WorkDay, direction, tag());
+            add(T::WorkDay, direction, tag());
         } else {
             return false;
         }
@@ -229,13 +248,13 @@ private:
         if (word == "HOUR")
             handle_am_pm(value, 0, 0, 0, true, true);
         else if (word == "MINUTE")
-            m_exp.add_term(T::SetMinute, value);
+            add(T::SetMinute, value);
         else if (word == "SECOND")
-            m_exp.add_term(T::SetSecond, value);
+            add(T::SetSecond, value);
         else if (word == "USECOND")
-            m_exp.add_term(T::SetMicro, value);
+            add(T::SetMicro, value);
         else
-            m_exp.add_term(T::SetWeek, value - 1);
+            add(T::SetWeek, value - 1);
         return true;
     }
 
@@ -256,11 +275,13 @@ private:
                     return false;
             }
         }
-        if (hours > 12 || minutes > 59) {
+        // An offset without a code of its own is refused, never taken as GMT.
+        const int offset = hours > 14 || minutes > 59 ? ZBDate::C_OffsetMax + 1 : sign * (hours * 3600 + minutes * 60);
+        if (!ZBDateUtils::offset_has_zone(offset, false)) {
             invalid();
             return false;
         }
-        m_exp.add_term(T::SetZone, ZBDateUtils::seconds_to_zone(sign * (hours * 3600 + minutes * 60), false, false));
+        add(T::SetZone, ZBDateUtils::seconds_to_zone(offset, false, false));
         return true;
     }
 
@@ -289,23 +310,30 @@ private:
             int weekday = is_word_token(peek()) ? m_locale.weekday_number(peek()) : -1;
             if (weekday >= 0) {
                 m_tokens.pop_token();
-                m_exp.add_term(T::SetWeekday, T::encode_weekday_month(a - 1, weekday));
+                add(T::SetWeekday, T::encode_weekday_month(a - 1, weekday));
+            } else if (peek() == "LAST") {
+                // "2nd Last Day": counted back from the month's end.
+                m_tokens.pop_token();
+                if (peek() != "DAY" || a < 1)
+                    return false;
+                m_tokens.pop_token();
+                add(T::SetDay, -a, C_FromEnd);
             } else {
-                m_exp.add_term(T::SetDay, a - 1);
+                add(T::SetDay, a - 1);
             }
             return true;
         }
         int month = is_word_token(suffix) ? m_locale.month_number(suffix) : -1;
         if (month >= 0) {
             m_tokens.pop_token();
-            m_exp.add_term(T::SetDay, a - 1);
-            m_exp.add_term(T::SetMonth, month);
+            add(T::SetDay, a - 1);
+            add(T::SetMonth, month);
             m_tokens.match('.');
             return true;
         }
         m_tokens.match('.');
         if (a > 100) {
-            m_exp.add_term(T::SetYear, a);
+            add(T::SetYear, a);
         } else if (m_pendingMonth >= 0) {
             m_exp.add_term(T::SetDay, a - 1);
             m_exp.add_term(T::SetMonth, m_pendingMonth);
@@ -415,10 +443,10 @@ private:
             }
         }
         if (day >= 0)
-            m_exp.add_term(T::SetDay, day - 1);
-        m_exp.add_term(T::SetMonth, month);
+            add(T::SetDay, day - 1);
+        add(T::SetMonth, month);
         if (year >= 0)
-            m_exp.add_term(T::SetYear, year);
+            add(T::SetYear, year);
         return true;
     }
 
@@ -428,15 +456,15 @@ private:
         if (token == "+")
             return offset();
         if (token == "@") {
-            m_exp.add_term(T::Relative, 0, tag());
+            add(T::Relative, 0, tag());
             return true;
         }
         if (token == "(")
-            m_exp.add_term(T::Open, 0);
+            add(T::Open, 0);
         else if (token == "|")
-            m_exp.add_term(T::Or, 0);
+            add(T::Or, 0);
         else if (token == ")")
-            m_exp.add_term(T::Close, 0);
+            add(T::Close, 0);
         else if (token != "." && token != ",") {
             // Also a '-' that is not between parts of a date: "+-" is the only minus.
             invalid();
@@ -459,18 +487,18 @@ private:
         const std::string unit = peek();
         if (unit == ":") {
             m_tokens.pop_token();
-            m_exp.add_term(T::AddHour, value);
+            add(T::AddHour, value);
             int minutes = 0;
             if (is_number_token(peek())) {
                 if (!take_number(minutes))
                     return false;
-                m_exp.add_term(T::AddMinute, sign * minutes);
+                add(T::AddMinute, sign * minutes);
                 int seconds = 0;
                 if (m_tokens.first_token() == ":" && is_number_token(m_tokens.get_token(1))) {
                     m_tokens.pop_token();
                     if (!take_number(seconds))
                         return false;
-                    m_exp.add_term(T::AddSecond, sign * seconds);
+                    add(T::AddSecond, sign * seconds);
                 }
             }
             return true;
@@ -481,29 +509,29 @@ private:
         // The first prefix that fits decides, so "WORKDAY" takes "WORKDAYFOR"
         // too and its tag is then read as a word of its own.
         if (ZBDateParser::compare_token(unit, "US"))
-            m_exp.add_term(T::AddMicro, value);
+            add(T::AddMicro, value);
         else if (ZBDateParser::compare_token(unit, "S"))
-            m_exp.add_term(T::AddSecond, value);
+            add(T::AddSecond, value);
         else if (ZBDateParser::compare_token(unit, "MI"))
-            m_exp.add_term(T::AddMinute, value);
+            add(T::AddMinute, value);
         else if (ZBDateParser::compare_token(unit, "H"))
-            m_exp.add_term(T::AddHour, value);
+            add(T::AddHour, value);
         else if (ZBDateParser::compare_token(unit, "D"))
-            m_exp.add_term(T::AddDay, value);
+            add(T::AddDay, value);
         else if (ZBDateParser::compare_token(unit, "WORKDAY"))
-            m_exp.add_term(T::WorkDay, value);
+            add(T::WorkDay, value);
         else if (ZBDateParser::compare_token(unit, "W")) {
             // Weeks are counted in days; a count whose days overflow is no date.
             if (value > C_MaxWeeks || value < -C_MaxWeeks) {
                 invalid();
                 return false;
             }
-            m_exp.add_term(T::AddDay, 7 * value);
+            add(T::AddDay, 7 * value);
         }
         else if (ZBDateParser::compare_token(unit, "MO"))
-            m_exp.add_term(T::AddMonth, value);
+            add(T::AddMonth, value);
         else if (ZBDateParser::compare_token(unit, "Y"))
-            m_exp.add_term(T::AddYear, value);
+            add(T::AddYear, value);
         else
             m_complete = false; // A unit word that names no unit adds nothing.
         return true;
@@ -647,8 +675,16 @@ std::string ZBDateParser::impossible_field(const ZBDateExp& exp, const ZBDate& s
                 return zb_sprintf("There is no month %d.", term.m_value + 1);
             break;
         case T::SetDay: {
-            if (term.m_value < 0)
+            // A day counted from the month's end ("Last Day") is marked so; any
+            // other day below 1 was written as 0 ("0/3", "0th").
+            if (term.m_value < 0 && term.m_tag != C_FromEnd)
                 return "There is no day 0.";
+            if (term.m_value < 0) {
+                if (term.m_value < -31)
+                    return zb_sprintf("No month has a %d%s last day.", -term.m_value,
+                                      ZBLocale::get_ordinal(-term.m_value, false).c_str());
+                break;
+            }
             if (next != T::SetMonth) {
                 if (term.m_value > 30)
                     return zb_sprintf("No month has a day %d.", term.m_value + 1);
@@ -681,22 +717,32 @@ std::string ZBDateParser::impossible_field(const ZBDateExp& exp, const ZBDate& s
     return std::string();
 }
 
-int ZBDateParser::read_checked(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config,
-                               ZBDate& result)
+bool ZBDateParser::read_typed(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config,
+                              ZBDate& result, std::string& why)
 {
     result = ZBDate(ZBDate::E_Blank);
+    why.clear();
     bool complete = true;
     ZBDateExp exp = parse_date(text, &complete);
     const ZBDate start = relative ? *relative : ZBDate(ZBDate::E_Blank);
     if (exp.is_invalid() || !complete)
-        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str());
-    std::string why = impossible_field(exp, start);
+        return false;
+    why = impossible_field(exp, start);
+    if (!why.empty())
+        return false;
+    result = exp.apply(start, config);
+    return !result.is_invalid();
+}
+
+int ZBDateParser::read_checked(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config,
+                               ZBDate& result)
+{
+    std::string why;
+    if (read_typed(text, relative, config, result, why))
+        return ZBErrC_ok;
     if (!why.empty())
         return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s. %s", text.c_str(), why.c_str());
-    result = exp.apply(start, config);
-    if (result.is_invalid())
-        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str());
-    return ZBErrC_ok;
+    return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid date value: %s", text.c_str());
 }
 
 } // namespace Tervalon

@@ -37,6 +37,11 @@ public:
     // "Invalid date value: " and the text. Empty text is the blank date.
     static int read_checked(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config,
                             ZBDate& result);
+    // The same check without a report, for callers that word their own
+    // message: false with why holding the reason ("" when the text simply
+    // cannot be read).
+    static bool read_typed(const std::string& text, const ZBDate* relative, const ZBRepeatConfig* config,
+                           ZBDate& result, std::string& why);
 
     // Two digits take today's century, or the one before when that lands more
     // than ten years ahead; longer years stay as written.

@@ -32,13 +32,15 @@ std::int64_t floor_div(std::int64_t a, std::int64_t b)
     return (a % b != 0 && (a < 0) != (b < 0)) ? q - 1 : q;
 }
 
-// The C library's answers depend on TZ; a change of TZ (tests set it) empties
-// the per-thread caches below. glibc never frees environment strings, so a new
-// pointer is a new setting.
+// The C library's answers depend on TZ. Reading the environment on every
+// breakdown cost more than the breakdown itself, so the per-thread caches
+// below are emptied only when the zone is changed through
+// ZBDateUtils::set_machine_zone (or announced by machine_zone_changed): a
+// counter bumped there is all a breakdown compares.
+std::atomic<unsigned> g_zoneGeneration{1};
+
 struct ZoneCache {
-    const char* tzPointer = nullptr;
-    std::string tzText;
-    bool valid = false;
+    unsigned generation = 0;
     int standardZone = 0;
     bool localDst = false;
     // A few years of per-day answers, filled a year at a time.
@@ -52,12 +54,9 @@ struct ZoneCache {
 ZoneCache& zone_cache()
 {
     thread_local ZoneCache cache;
-    const char* tz = std::getenv("TZ");
-    bool same = tz == cache.tzPointer && (tz == nullptr ? cache.tzText.empty() : cache.tzText == tz);
-    if (!cache.valid || !same) {
+    const unsigned generation = g_zoneGeneration.load(std::memory_order_acquire);
+    if (cache.generation != generation) {
         cache = ZoneCache();
-        cache.tzPointer = tz;
-        cache.tzText = tz ? tz : "";
         tzset();
         std::time_t t = std::time(nullptr);
         std::tm tm{};
@@ -65,7 +64,7 @@ ZoneCache& zone_cache()
         cache.localDst = tm.tm_isdst > 0;
         cache.standardZone = ZBDateUtils::seconds_to_zone(int(tm.tm_gmtoff), tm.tm_isdst > 0, true);
         cache.standardZone = ZBDateUtils::set_dst_flag(cache.standardZone, false);
-        cache.valid = true;
+        cache.generation = generation;
     }
     return cache;
 }
@@ -223,11 +222,19 @@ int ZBDateUtils::zone_to_seconds(int zone, bool withDST)
     return seconds;
 }
 
+bool ZBDateUtils::offset_has_zone(int seconds, bool isDST)
+{
+    if (seconds < ZBDate::C_OffsetMin || seconds > ZBDate::C_OffsetMax)
+        return false;
+    int flag = isDST ? 1 : 0;
+    return is_fixed_zone(seconds >= 0 ? 2 * seconds + flag : 2 * seconds - flag);
+}
+
 int ZBDateUtils::seconds_to_zone(int seconds, bool isDST, bool adjust)
 {
     if (isDST && adjust)
         seconds -= 3600;
-    if (seconds < ZBDate::C_ZoneMin || seconds > ZBDate::C_ZoneMax)
+    if (!offset_has_zone(seconds, isDST))
         return ZBDate::C_GMT;
     int flag = isDST ? 1 : 0;
     return seconds >= 0 ? 2 * seconds + flag : 2 * seconds - flag;
@@ -302,6 +309,21 @@ bool ZBDateUtils::date_is_dst(int day, int month, int year)
     }
     int index = month * 31 + day;
     return (slot->dst[index / 8] & (1u << (index % 8))) != 0;
+}
+
+void ZBDateUtils::set_machine_zone(const std::string& tz)
+{
+    if (tz.empty())
+        unsetenv("TZ");
+    else
+        setenv("TZ", tz.c_str(), 1);
+    tzset();
+    machine_zone_changed();
+}
+
+void ZBDateUtils::machine_zone_changed()
+{
+    g_zoneGeneration.fetch_add(1, std::memory_order_acq_rel);
 }
 
 bool ZBDateUtils::date_is_local(const ZBDate& date)

@@ -37,14 +37,26 @@ public:
     static std::int64_t days_before_year(int year);
 
     static int zone_to_seconds(int zone, bool withDST);
+    // An offset that has no code (beyond the range, or 12:30 east) gives GMT;
+    // offset_has_zone says beforehand whether it has one.
     static int seconds_to_zone(int seconds, bool isDST, bool adjust);
+    static bool offset_has_zone(int seconds, bool isDST);
     static int set_dst_flag(int zone, bool flag);
     static bool zones_equivalent(int a, int b);
     static bool zone_is_dst(int zone);
-    static bool is_fixed_zone(int zone) { return zone >= ZBDate::C_ZoneMin && zone <= ZBDate::C_ZoneMax; }
+    static bool is_fixed_zone(int zone)
+    {
+        return zone >= ZBDate::C_ZoneMin && zone <= ZBDate::C_ZoneMax
+            && (zone < ZBDate::C_LocalTime || zone > ZBDate::C_DefaultTime);
+    }
     // Whether noon of the day (month and day from 0) is in summer time where
     // the machine is. Answers are cached per thread and per TZ setting.
     static bool date_is_dst(int day, int month, int year);
+    // Sets the machine's zone (TZ; empty for the system's own) for the whole
+    // process. A change of TZ made any other way must be announced with
+    // machine_zone_changed(), or the cached answers stay those of the old zone.
+    static void set_machine_zone(const std::string& tz);
+    static void machine_zone_changed();
     static bool date_is_local(const ZBDate& date);
     static bool local_is_dst();
     // The machine's standard zone, without the DST flag.

@@ -5,10 +5,13 @@
 #include "LibCore/param/zbparam.h"
 #include "LibCore/textstr/zbtextstr.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <ostream>
 
 namespace Tervalon {
@@ -21,10 +24,22 @@ const char* const C_MonthShort[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", 
 const char* const C_MonthLong[12] = {"January", "February", "March",     "April",   "May",      "June",
                                      "July",    "August",   "September", "October", "November", "December"};
 
-std::unique_ptr<ZBLocale>& locale_singleton()
+// The recalculation thread reads the locale while the main thread may install
+// a new one, so a replaced locale is never deleted: every locale installed
+// stays in the kept list (reachable, so not a leak) until the process ends,
+// and a reference taken from zblocale() stays good.
+std::atomic<ZBLocale*> g_locale{nullptr};
+
+std::mutex& locale_mutex()
 {
-    static std::unique_ptr<ZBLocale> locale;
-    return locale;
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::vector<std::unique_ptr<ZBLocale>>& kept_locales()
+{
+    static auto* kept = new std::vector<std::unique_ptr<ZBLocale>>();
+    return *kept;
 }
 
 std::vector<std::string> names(const char* const* list, int n)
@@ -272,7 +287,8 @@ int ZBLocale::get_local_timezone() const
 
 std::string ZBLocale::get_timezone_str() const
 {
-    return ZBDateUtils::zone_to_string(m_localTimeZone);
+    // The machine's zone is named by its offset today, with its DST flag.
+    return ZBDateUtils::zone_to_string(ZBDateUtils::expand_timezone(m_localTimeZone, ZBDateUtils::now()));
 }
 
 bool ZBLocale::set_timezone_str(const std::string& text)
@@ -280,37 +296,44 @@ bool ZBLocale::set_timezone_str(const std::string& text)
     for (const auto& zone : get_timezones())
         if (zb_compare_nocase(zone.second, text) == 0) {
             set_timezone(zone.first);
-            return true;
+            return m_localTimeZone == zone.first;
         }
     return false;
 }
 
 std::vector<std::pair<int, std::string>> ZBLocale::get_timezones()
 {
+    // Every half hour from 14 hours east to 12 west, and the quarter-hour
+    // zones in use (Nepal, Eucla, Chatham); an offset without a code is left out.
+    std::vector<int> offsets = {5 * 3600 + 2700, 8 * 3600 + 2700, 12 * 3600 + 2700};
+    for (int seconds = ZBDate::C_OffsetMax; seconds >= ZBDate::C_OffsetMin; seconds -= 1800)
+        offsets.push_back(seconds);
+    std::sort(offsets.begin(), offsets.end(), [](int a, int b) { return a > b; });
     std::vector<std::pair<int, std::string>> zones;
     zones.emplace_back(ZBDate::C_LocalTime, ZBDateUtils::zone_to_string(ZBDate::C_LocalTime));
-    for (int seconds = 43200; seconds >= -43200; seconds -= 1800)
-        for (bool dst : {false, true}) {
-            int zone = ZBDateUtils::seconds_to_zone(seconds, dst, false);
-            zones.emplace_back(zone, ZBDateUtils::zone_to_string(zone));
-        }
+    for (int seconds : offsets)
+        for (bool dst : {false, true})
+            if (ZBDateUtils::offset_has_zone(seconds, dst)) {
+                int zone = ZBDateUtils::seconds_to_zone(seconds, dst, false);
+                zones.emplace_back(zone, ZBDateUtils::zone_to_string(zone));
+            }
     return zones;
 }
 
-std::string ZBLocale::weekday_name(int day, bool longForm) const
+std::string ZBLocale::weekday_name(int day, bool shortForm) const
 {
     day = ((day % 7) + 7) % 7;
     if (m_defaultLocale)
-        return longForm ? m_weekdayDLong[size_t(day)] : m_weekdayDShort[size_t(day)];
-    return longForm ? m_weekdayLong[size_t(day)] : m_weekdayShort[size_t(day)];
+        return shortForm ? m_weekdayDShort[size_t(day)] : m_weekdayDLong[size_t(day)];
+    return shortForm ? m_weekdayShort[size_t(day)] : m_weekdayLong[size_t(day)];
 }
 
-std::string ZBLocale::month_name(int month, bool longForm) const
+std::string ZBLocale::month_name(int month, bool shortForm) const
 {
     month = ((month % 12) + 12) % 12;
     if (m_defaultLocale)
-        return longForm ? m_monthDLong[size_t(month)] : m_monthDShort[size_t(month)];
-    return longForm ? m_monthLong[size_t(month)] : m_monthShort[size_t(month)];
+        return shortForm ? m_monthDShort[size_t(month)] : m_monthDLong[size_t(month)];
+    return shortForm ? m_monthShort[size_t(month)] : m_monthLong[size_t(month)];
 }
 
 std::string ZBLocale::english_weekday(int day)
@@ -483,15 +506,53 @@ void ZBLocale::dump(std::ostream& out, int indent) const
 
 ZBLocale& zblocale()
 {
-    std::unique_ptr<ZBLocale>& locale = locale_singleton();
-    if (!locale)
-        locale.reset(new ZBLocale());
+    ZBLocale* locale = g_locale.load(std::memory_order_acquire);
+    if (locale)
+        return *locale;
+    std::lock_guard<std::mutex> lock(locale_mutex());
+    locale = g_locale.load(std::memory_order_relaxed);
+    if (!locale) {
+        locale = new ZBLocale();
+        kept_locales().emplace_back(locale);
+        g_locale.store(locale, std::memory_order_release);
+    }
     return *locale;
 }
 
+namespace {
+
+void install_locale(ZBLocale* locale)
+{
+    std::vector<std::unique_ptr<ZBLocale>>& kept = kept_locales();
+    const bool known = std::any_of(kept.begin(), kept.end(),
+                                   [locale](const std::unique_ptr<ZBLocale>& one) { return one.get() == locale; });
+    if (locale && !known)
+        kept.emplace_back(locale);
+    g_locale.store(locale, std::memory_order_release);
+}
+
+std::mutex& update_mutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+} // namespace
+
 void set_zblocale(ZBLocale* locale)
 {
-    locale_singleton().reset(locale);
+    std::lock_guard<std::mutex> lock(locale_mutex());
+    install_locale(locale);
+}
+
+void update_zblocale(const std::function<void(ZBLocale&)>& change)
+{
+    // One change at a time, so that two do not each copy the same old locale.
+    std::lock_guard<std::mutex> changing(update_mutex());
+    std::unique_ptr<ZBLocale> copy(zblocale().clone());
+    change(*copy);
+    std::lock_guard<std::mutex> lock(locale_mutex());
+    install_locale(copy.release());
 }
 
 } // namespace Tervalon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <utility>
@@ -24,6 +25,8 @@ class ZBLocale {
 public:
     ZBLocale();
     virtual ~ZBLocale();
+    // A copy of the same class, for update_zblocale().
+    virtual ZBLocale* clone() const { return new ZBLocale(*this); }
 
     // The user's choices from the system values, and back.
     virtual int read_config();
@@ -48,7 +51,8 @@ public:
 
     const std::string& date_format() const { return m_dateFormat[0]; }
     const std::string& day_format(bool shortForm) const { return m_dayFormat[shortForm ? 1 : 0]; }
-    const std::string& time_format(bool withSeconds) const { return m_timeFormat[withSeconds ? 0 : 1]; }
+    // The short time form leaves the seconds out.
+    const std::string& time_format(bool shortForm) const { return m_timeFormat[shortForm ? 1 : 0]; }
     // An empty text makes "%a ", the long day format, a blank and the long time format.
     void set_date_format(const std::string& format);
     // One of the rows of the format table; an unknown number takes row 0.
@@ -66,10 +70,13 @@ public:
     // The machine's standard zone (no DST flag).
     int get_local_timezone() const;
     void set_local_timezone(int zone) { set_timezone(zone); }
-    // The zone's text as of now, and the choice from such a text.
+    // The chosen zone's text as of now ("GMT+01 DST"; the machine's zone is
+    // named by its offset today), and the choice from one of the texts of
+    // get_timezones(); false when the text names no zone.
     std::string get_timezone_str() const;
     bool set_timezone_str(const std::string& text);
-    // "Local Time", then each half hour from GMT+12 to GMT-12 without and with DST.
+    // "Local Time", then each half hour from GMT+14 to GMT-12 and the
+    // quarter-hour zones in use, each without and with DST.
     static std::vector<std::pair<int, std::string>> get_timezones();
 
     // The working week: hours in a day and which weekdays (0 Sunday) are worked.
@@ -80,9 +87,10 @@ public:
     // A mask, bit 0 Sunday; a mask with no day keeps Monday to Friday.
     void set_workdays(int mask) { m_workDays = (mask & 0x7f) ? (mask & 0x7f) : C_DefaultWorkDays; }
 
-    // day 0 is Sunday, month 0 January; local names unless the English ones are chosen.
-    std::string weekday_name(int day, bool longForm) const;
-    std::string month_name(int month, bool longForm) const;
+    // day 0 is Sunday, month 0 January; local names unless the English ones are
+    // chosen. The short form is the abbreviation ("Mon", "Mar").
+    std::string weekday_name(int day, bool shortForm) const;
+    std::string month_name(int month, bool shortForm) const;
     // The English short names, which stored texts use whatever the locale.
     static std::string english_weekday(int day);
     static std::string english_month(int month);
@@ -162,8 +170,16 @@ private:
     std::vector<std::string> m_monthUpper[4];
 };
 
+// The locale in use, made on first use (from any thread). A reference stays
+// good for the whole run, even after the locale is replaced.
 ZBLocale& zblocale();
-// Replaces the singleton; takes ownership.
+// Installs a locale, or null for a fresh default one on the next use; takes
+// ownership. A change of settings installs a changed copy instead of changing
+// the locale in use, so that other threads never see half a change.
 void set_zblocale(ZBLocale* locale);
+// Makes a copy of the locale in use, lets change alter it and installs the
+// copy: the way to change one setting while other threads read the locale.
+// Changes are made one at a time.
+void update_zblocale(const std::function<void(ZBLocale&)>& change);
 
 } // namespace Tervalon

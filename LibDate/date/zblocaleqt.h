@@ -10,6 +10,7 @@ namespace Tervalon {
 class ZBLocaleQt : public ZBLocale {
 public:
     ZBLocaleQt();
+    ZBLocale* clone() const override { return new ZBLocaleQt(*this); }
     void set_defaults() override;
     void set_locale_names() override;
 };

@@ -138,3 +138,55 @@ TEST(DateZone, OtherFixedZonesAreLeftAloneByLocalDST)
     EXPECT_EQ(7200, later.get_timezone());
     EXPECT_EQ(11 * 3600, later.get_second_of_day());
 }
+
+// Zones at and beyond twelve hours: each text reads the clock in its own zone
+// or is refused, never taken as another zone.
+TEST(DateZone, ZonesOfTwelveHoursAndMore)
+{
+    const struct {
+        const char* text;
+        const char* moment; // ISO 8601 in UTC; null: refused
+        int zone;
+        const char* zoneText;
+    } rows[] = {
+        {"9-Mar-2026 14:00 UTC+12", "2026-03-09T02:00:00Z", 86400, "GMT+12 NODST"},
+        {"9-Mar-2026 14:00 UTC+12 DST", "2026-03-09T01:00:00Z", 86401, "GMT+12 DST"},
+        {"9-Mar-2026 14:00 UTC+12:45", "2026-03-09T01:15:00Z", 91800, "GMT+12:45 NODST"},
+        {"9-Mar-2026 14:00 UTC+12:45 DST", "2026-03-09T00:15:00Z", 91801, "GMT+12:45 DST"},
+        {"9-Mar-2026 14:00 UTC+13", "2026-03-09T01:00:00Z", 93600, "GMT+13 NODST"},
+        {"9-Mar-2026 14:00 UTC+14", "2026-03-09T00:00:00Z", 100800, "GMT+14 NODST"},
+        {"9-Mar-2026 14:00 UTC-12", "2026-03-10T02:00:00Z", -86400, "GMT-12 NODST"},
+        {"9-Mar-2026 14:00 UTC-12 DST", "2026-03-10T01:00:00Z", -86401, "GMT-12 DST"},
+        {"9-Mar-2026 14:00 UTC+12:30", nullptr, 0, nullptr},
+        {"9-Mar-2026 14:00 UTC+14:30", nullptr, 0, nullptr},
+        {"9-Mar-2026 14:00 UTC+15", nullptr, 0, nullptr},
+        {"9-Mar-2026 14:00 UTC-13", nullptr, 0, nullptr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        ZBDate date;
+        const bool read = date.from_string(row.text);
+        if (!row.moment) {
+            EXPECT_FALSE(read);
+            continue;
+        }
+        ASSERT_TRUE(read);
+        EXPECT_EQ(row.moment, date.to_iso());
+        EXPECT_EQ(row.zone, date.get_timezone());
+        EXPECT_TRUE(ZBDateUtils::is_fixed_zone(date.get_timezone()));
+        EXPECT_EQ(row.zoneText, ZBDateUtils::zone_to_string(date.get_timezone()));
+        EXPECT_EQ("14:00", date.to_string("%H:%M"));
+        // The stored text keeps the zone.
+        std::string stored;
+        date.write_stored(stored);
+        ZBDate back;
+        back.read_stored(stored);
+        EXPECT_EQ(date, back) << stored;
+    }
+    // The offsets that would land on the symbolic zones have no code.
+    EXPECT_FALSE(ZBDateUtils::offset_has_zone(45000, false));
+    EXPECT_FALSE(ZBDateUtils::offset_has_zone(45000, true));
+    EXPECT_FALSE(ZBDateUtils::is_fixed_zone(ZBDate::C_LocalTime));
+    EXPECT_FALSE(ZBDateUtils::is_fixed_zone(ZBDate::C_DefaultTime));
+    EXPECT_EQ(ZBDate::C_GMT, ZBDateUtils::seconds_to_zone(45000, false, false));
+}

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+#include <thread>
+#include <vector>
+
 using namespace Tervalon;
 
 namespace {
@@ -59,7 +63,8 @@ TEST_F(Locale, LocalNamesInUtf8IgnoreCase)
     EXPECT_EQ(locale.month_number("janv"), 0);
     EXPECT_EQ(locale.month_number("Feb"), 1); // English names still work
     EXPECT_EQ(locale.weekday_number("VENDREDI"), 5);
-    EXPECT_EQ(locale.weekday_name(1, true), "lundi");
+    EXPECT_EQ(locale.weekday_name(1, false), "lundi");
+    EXPECT_EQ(locale.weekday_name(1, true), "lun.");
     EXPECT_EQ(locale.clean_date_string("lundi 3 F\xC3\x89VRIER"), "Mon 3 Feb");
     EXPECT_EQ(locale.clean_date_string("1 janv. 2027"), "1 Jan 2027");
     EXPECT_EQ(ZBDateUtils::read_date("1 f\xC3\xA9vrier 2027").to_iso(), "2027-02-01T10:30:00Z");
@@ -80,7 +85,7 @@ TEST_F(Locale, DayFormatsSetTheOrderOfParts)
     locale.set_day_format(99);
     EXPECT_EQ(locale.get_format_number(), 0);
     locale.set_24hour_clock(false);
-    EXPECT_EQ(locale.time_format(true), "%I:%M:%S %p %z");
+    EXPECT_EQ(locale.time_format(false), "%I:%M:%S %p %z");
     EXPECT_EQ(locale.date_format(), "%a %d/%m/%y %I:%M:%S %p %z");
 }
 
@@ -116,9 +121,9 @@ TEST_F(Locale, ZonesAndWorkingWeek)
 {
     ZBLocale& locale = zblocale();
     auto zones = ZBLocale::get_timezones();
-    ASSERT_EQ(zones.size(), 1u + 49u * 2u);
+    ASSERT_EQ(zones.size(), 1u + 55u * 2u);
     EXPECT_EQ(zones[0].second, "Local Time");
-    EXPECT_EQ(zones[1].second, "GMT+12 NODST");
+    EXPECT_EQ(zones[1].second, "GMT+14 NODST");
     EXPECT_TRUE(locale.set_timezone_str("gmt+05:30 nodst"));
     EXPECT_EQ(locale.get_timezone(), ZBDateUtils::seconds_to_zone(19800, false, false));
     locale.set_timezone(ZBDate::C_OriginalTime); // no choice: ignored
@@ -129,4 +134,77 @@ TEST_F(Locale, ZonesAndWorkingWeek)
     EXPECT_FALSE(locale.is_workday(6));
     locale.set_workdays(0);
     EXPECT_EQ(locale.get_workdays(), ZBLocale::C_DefaultWorkDays);
+}
+
+// The flag of the name and format getters asks for the short form.
+TEST_F(Locale, ShortFlagGivesTheShortForm)
+{
+    ZBLocale& locale = zblocale();
+    EXPECT_EQ(locale.weekday_name(3, true), "Wed");
+    EXPECT_EQ(locale.weekday_name(3, false), "Wednesday");
+    EXPECT_EQ(locale.month_name(2, true), "Mar");
+    EXPECT_EQ(locale.month_name(2, false), "March");
+    EXPECT_EQ(locale.day_format(true), "%d/%b");
+    EXPECT_EQ(locale.time_format(true), "%H:%M %z");
+    EXPECT_EQ(locale.time_format(false), "%H:%M:%S %z");
+    const ZBDate date(2026, 2, 4, 14, 5, 0, 0, ZBDate::C_GMT);
+    EXPECT_EQ(date.to_string("%a %A %b %B"), "Thu Thursday Mar March");
+    EXPECT_EQ(date.to_string("%T|%i|%t"), "14:05:00|14:05|14:05");
+    locale.set_24hour_clock(false);
+    EXPECT_EQ(date.to_string("%T|%i|%t"), "02:05:00 PM|02:05 PM|02:05 PM");
+    EXPECT_EQ(date.to_string("%E"), "05/Mar/2026 02:05:00 PM");
+}
+
+TEST_F(Locale, ZoneTextsNameOneZoneEach)
+{
+    ZBLocale& locale = zblocale();
+    const auto zones = ZBLocale::get_timezones();
+    std::set<std::string> labels;
+    for (const auto& zone : zones) {
+        EXPECT_TRUE(labels.insert(zone.second).second) << zone.second;
+        EXPECT_TRUE(zone.first == ZBDate::C_LocalTime || ZBDateUtils::is_fixed_zone(zone.first)) << zone.second;
+    }
+    EXPECT_TRUE(labels.count("GMT+12 DST"));
+    EXPECT_TRUE(labels.count("GMT+12:45 NODST"));
+    EXPECT_FALSE(labels.count("GMT+12:30 NODST"));
+
+    locale.set_timezone(7200);
+    EXPECT_EQ(locale.get_timezone_str(), "GMT+01 NODST");
+    EXPECT_TRUE(locale.set_timezone_str("GMT"));
+    EXPECT_EQ(locale.get_timezone(), ZBDate::C_GMT);
+    EXPECT_TRUE(locale.set_timezone_str("GMT+12 DST"));
+    EXPECT_EQ(locale.get_timezone(), 86401);
+    EXPECT_EQ(locale.get_timezone_str(), "GMT+12 DST");
+    EXPECT_FALSE(locale.set_timezone_str("GMT+25"));
+    EXPECT_EQ(locale.get_timezone(), 86401);
+    // The machine's zone is named by its own offset (TZ is UTC here).
+    EXPECT_TRUE(locale.set_timezone_str("Local Time"));
+    EXPECT_EQ(locale.get_timezone(), ZBDate::C_LocalTime);
+    EXPECT_EQ(locale.get_timezone_str(), "GMT");
+}
+
+// A reference taken before the locale is replaced stays good: another thread
+// may be reading it at that moment.
+TEST_F(Locale, ReplacingKeepsTheOldLocaleAlive)
+{
+    const ZBLocale& before = zblocale();
+    set_zblocale(new FrenchLocale());
+    EXPECT_EQ(before.weekday_name(1, false), "Monday");
+    EXPECT_EQ(zblocale().weekday_name(1, false), "lundi");
+    // A change made on a copy is seen by new readers only.
+    const ZBLocale& french = zblocale();
+    update_zblocale([](ZBLocale& locale) { locale.set_workhours(6.5); });
+    EXPECT_EQ(french.get_workhours(), 8.0);
+    EXPECT_EQ(zblocale().get_workhours(), 6.5);
+    EXPECT_EQ(zblocale().weekday_name(1, false), "lundi");
+    set_zblocale(nullptr);
+    std::vector<const ZBLocale*> seen(4, nullptr);
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < seen.size(); ++i)
+        threads.emplace_back([&seen, i] { seen[i] = &zblocale(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const ZBLocale* one : seen)
+        EXPECT_EQ(one, seen[0]);
+    EXPECT_EQ(seen[0], &zblocale());
 }

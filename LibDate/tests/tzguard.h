@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LibDate/date/zbdateutils.h"
+
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -17,16 +19,11 @@ public:
         m_had = old != nullptr;
         if (old)
             m_old = old;
-        setenv("TZ", zone, 1);
-        tzset();
+        ZBDateUtils::set_machine_zone(zone);
     }
     ~TzGuard()
     {
-        if (m_had)
-            setenv("TZ", m_old.c_str(), 1);
-        else
-            unsetenv("TZ");
-        tzset();
+        ZBDateUtils::set_machine_zone(m_had ? m_old : std::string());
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "LibDiary/diary/zbdentry.h"
 #include "LibDiary/diary/zbdiary.h"
 #include "LibDate/date/zbdateutils.h"
+#include "LibDate/date/zbdateparser.h"
 #include "LibObject/object/zbdump.h"
 
 #include <algorithm>
@@ -446,8 +447,10 @@ int ZBDEntry::pre_validate_value(const std::string& tag, const std::string& valu
 {
     if (tag == C_SysStartTime || tag == C_SysEndTime || tag == C_SysStartAfter || tag == C_SysDueDate) {
         ZBDate date;
-        if (!date.from_string(value))
-            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: Invalid date value: %s", tag.c_str(), value.c_str());
+        std::string why;
+        if (!ZBDateParser::read_typed(value, nullptr, nullptr, date, why))
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: Invalid date value: %s%s%s", tag.c_str(), value.c_str(),
+                              why.empty() ? "" : ". ", why.c_str());
     } else if (tag == C_SysDuration) {
         ZBDuration duration;
         if (iszbwarn(duration.from_string(value)))
@@ -477,7 +480,8 @@ int ZBDEntry::set_sysvalue(const std::string& tag, const std::string& value)
         m_text = value;
     } else if (tag == C_SysStartTime || tag == C_SysEndTime || tag == C_SysStartAfter || tag == C_SysDueDate) {
         ZBDate date;
-        date.from_string(value);
+        std::string why;
+        ZBDateParser::read_typed(value, nullptr, nullptr, date, why);
         if (tag == C_SysStartTime || tag == C_SysEndTime) {
             ZBDateSlot slot = m_time.orig;
             (tag == C_SysStartTime ? slot.m_start : slot.m_end) = date;

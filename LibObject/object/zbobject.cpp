@@ -4,7 +4,10 @@
 #include <QDir>
 #include <QStandardPaths>
 
+#include <atomic>
 #include <cstdarg>
+#include <cstdint>
+#include <mutex>
 #include <functional>
 #include <cstdio>
 #include <fstream>
@@ -89,9 +92,44 @@ int ZBObject::create_zbobject(ZBObject*& out, const ZBObject* from)
 
 void ZBObject::set_defaults(bool) {}
 
+namespace {
+
+// Classes already registered, by their create function: a small table read
+// without a lock. A slot is written once, its id before its function, so a
+// reader that finds the function finds its id; a class whose slot another
+// class took first is simply looked up by name as before.
+constexpr size_t C_KnownSlots = 256;
+std::atomic<ZBCreateFunction> g_knownCreate[C_KnownSlots];
+std::atomic<int> g_knownId[C_KnownSlots];
+
+size_t known_slot(ZBCreateFunction create)
+{
+    std::uintptr_t bits = reinterpret_cast<std::uintptr_t>(create);
+    return size_t((bits >> 4) ^ (bits >> 12)) % C_KnownSlots;
+}
+
+} // namespace
+
 int ZBObject::register_objectname(const std::string& name, ZBCreateFunction create)
 {
+    // Every object registers its class at each level of its descent, and the
+    // planner makes millions of date sets and repeat rules: after the first
+    // registration a class is known by its create function (one per class)
+    // without hashing its name. Ids never change once given out.
+    const size_t slot = known_slot(create);
+    if (create && g_knownCreate[slot].load(std::memory_order_acquire) == create) {
+        m_classId = g_knownId[slot].load(std::memory_order_relaxed);
+        return m_classId;
+    }
     zbclassindex().append(name, create, m_classId);
+    if (create && m_classId >= 0) {
+        static std::mutex writing;
+        std::lock_guard<std::mutex> lock(writing);
+        if (!g_knownCreate[slot].load(std::memory_order_relaxed)) {
+            g_knownId[slot].store(m_classId, std::memory_order_relaxed);
+            g_knownCreate[slot].store(create, std::memory_order_release);
+        }
+    }
     return m_classId;
 }
 
