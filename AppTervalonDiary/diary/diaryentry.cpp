@@ -50,7 +50,7 @@ DiaryEntry::DiaryEntry(const DiaryEntry& other)
     : ZBDEntry(other), m_startSource(other.m_startSource), m_dueSource(other.m_dueSource),
       m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType), m_props(other.m_props),
       m_dueFacet(other.m_dueFacet), m_baseline(other.m_baseline), m_erepeat(other.m_erepeat),
-      m_oldRepeat(other.m_oldRepeat), m_priorityFacet(other.m_priorityFacet), m_spent(other.m_spent),
+      m_oldRepeat(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr), m_priorityFacet(other.m_priorityFacet), m_spent(other.m_spent),
       m_etime(other.m_etime), m_plan(other.m_plan), m_depend(other.m_depend), m_command(other.m_command),
       m_needRecalculate(other.m_needRecalculate), m_lastRecalculate(other.m_lastRecalculate),
       m_timeQuery(other.m_timeQuery), m_planStart(other.m_planStart), m_children(C_EntryTag)
@@ -74,7 +74,7 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
     m_dueFacet = other.m_dueFacet;
     m_baseline = other.m_baseline;
     m_erepeat = other.m_erepeat;
-    m_oldRepeat = other.m_oldRepeat;
+    m_oldRepeat.reset(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr);
     m_priorityFacet = other.m_priorityFacet;
     m_spent = other.m_spent;
     m_etime = other.m_etime;
@@ -128,7 +128,7 @@ void DiaryEntry::set_defaults(bool all)
     m_dueFacet.set_defaults(all);
     m_baseline.set_defaults(all);
     m_erepeat.set_defaults(all);
-    m_oldRepeat.set_defaults(true);
+    m_oldRepeat.reset();
     m_priorityFacet.set_defaults(all);
     m_spent.set_defaults(all);
     m_etime.set_defaults(all);

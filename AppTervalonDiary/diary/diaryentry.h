@@ -180,7 +180,9 @@ private:
     EntryDue m_dueFacet;
     EntryBaseline m_baseline;
     EntryRepeat m_erepeat;
-    ZBDateRepeat m_oldRepeat;
+    // A previous repeat rule, made only when one has to be kept: almost no
+    // entry has one, and a rule is large.
+    std::unique_ptr<ZBDateRepeat> m_oldRepeat;
     EntryPriority m_priorityFacet;
     EntrySpent m_spent;
     EntryTime m_etime;
