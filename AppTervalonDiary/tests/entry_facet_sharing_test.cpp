@@ -115,6 +115,26 @@ TEST_F(EntryFacetSharing, ReadingBackGivesTheSameTextAndRevertDropsNewFacets)
     EXPECT_EQ(text_of(*second), before);
 }
 
+TEST_F(EntryFacetSharing, EntriesReadOneAfterAnotherEachGetOnlyTheirOwnFacets)
+{
+    fill(*first);
+    second->edit_command().set_command("second only");
+    const std::string texts[] = {text_of(*first), text_of(*second), text_of(DiaryEntry()), text_of(*first)};
+    std::vector<std::unique_ptr<DiaryEntry>> read;
+    for (const std::string& text : texts) {
+        read.emplace_back(new DiaryEntry());
+        ASSERT_FALSE(iszbwarn(read.back()->object_from_string(text, 0)));
+    }
+    for (size_t i = 0; i < read.size(); ++i)
+        EXPECT_EQ(text_of(*read[i]), texts[i]) << i;
+    EXPECT_TRUE(read[1]->get_plan().get_planned().empty());
+    EXPECT_EQ(read[1]->get_command().get_command(), "second only");
+    expect_defaults(*read[2]);
+    // Each has a plan of its own.
+    read[3]->edit_plan().edit_planned().clear();
+    EXPECT_EQ(read[0]->get_plan().get_planned().size(), 1);
+}
+
 TEST_F(EntryFacetSharing, AnEntryIsAFractionOfItsFormerSize)
 {
     // Eleven full database objects made an entry close to ten kilobytes before
