@@ -3,11 +3,12 @@
 // BM_ObjectSizes reports the size of a database object and of an entry with
 // its facets, before any heap use. BM_TreeResident runs the real `tervalon tree`
 // on diaries of 10,000 and 100,000 tasks (and on an empty one, the program's
-// own floor) and reports the peak resident memory of that process and its wall
-// processor time (its wall time beside it). The files are made by a child run of this program, so that this
-// process stays small: a child's peak counts the memory it had before it
-// started the command. BM_DeleteSubtree deletes a project of 1k, 8k and 32k
-// entries from a diary that holds another project beside it.
+// own floor) and reports the peak resident memory of that process and its
+// processor time (its wall time beside it). The files are made by a child run
+// of this program, so that this process stays small: a child's peak counts the
+// memory it had before it started the command. BM_DeleteSubtree deletes a
+// project of 1k, 8k and 32k entries from a diary that holds another project
+// beside it.
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibDate/date/zbdateutils.h"
 
