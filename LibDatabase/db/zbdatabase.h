@@ -205,9 +205,12 @@ public:
     static std::string get_cache_name(const std::string& name, bool create);
 
 protected:
-    // Takes an object and its live descendants out of the tree as deleted,
-    // returning a detached copy that carries copies of the descendants.
-    int extract_tree(int id, ZBDBObject*& out);
+    // Takes an object and its live descendants out of the tree as deleted, all
+    // or none of them: a locked one refuses the whole. With out, also gives a
+    // detached copy that carries copies of the descendants; a plain delete
+    // passes null and pays for no copy. Costs one pass over the ids plus the
+    // subtree, however deep or wide.
+    int extract_tree(int id, ZBDBObject** out);
     // Writes "O:" objects; since 0 is a full write, where old tombstones are left out.
     int write_objects(std::ostream& out, long since, int version);
     int clean_intermediate(bool keepPartial, bool forceClean);
