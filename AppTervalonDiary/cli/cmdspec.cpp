@@ -110,8 +110,10 @@ int CmdSpec::run_check(CliContext& context, const std::string& specFile)
         ZBObjectSpec* spec = new ZBObjectSpec(name, text);
         spec->set_file_info(specFile, 1);
         result = db.add_object(spec, &db, ZBDatabase::C_SpecTag, std::string(), -1, std::string());
-        if (iszbwarn(result))
+        if (iszbwarn(result)) {
+            delete spec; // refused, so still ours
             return report_failure(context, result);
+        }
         db.parse_objectspecs(false);
     }
     for (const std::string& error : db.get_spec_errors()) {

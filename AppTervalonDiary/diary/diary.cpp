@@ -142,8 +142,10 @@ int Diary::create_entry(DiaryEntry* parent, char type, const std::string& title,
     entry->set_summary(title);
     entry->set_entrytype(type);
     ZBDBObject* holder = parent ? static_cast<ZBDBObject*>(parent) : static_cast<ZBDBObject*>(this);
-    if (iszbwarn(add_object(entry, holder, DiaryEntry::C_EntryTag, std::string(), -1, std::string())))
+    if (iszbwarn(add_object(entry, holder, DiaryEntry::C_EntryTag, std::string(), -1, std::string()))) {
+        delete entry; // refused, so still ours
         return zbpass(ZBLOC);
+    }
     entry->recalculate(-1, this, 0);
     if (parent && parent->get_nchildren() == 1)
         entry->edit_time().set_orig(parent->get_time().orig);
@@ -206,8 +208,10 @@ int Diary::add_resource(const std::string& name, Resource** out)
 {
     Resource* resource = new Resource();
     resource->set_username(name);
-    if (iszbwarn(add_object(resource, this, Resource::C_ResourceTag, std::string(), -1, std::string())))
+    if (iszbwarn(add_object(resource, this, Resource::C_ResourceTag, std::string(), -1, std::string()))) {
+        delete resource; // refused, so still ours
         return zbpass(ZBLOC);
+    }
     if (out)
         *out = resource;
     return ZBErrC_ok;
@@ -265,8 +269,10 @@ int Diary::add_timetype(const std::string& name, TimeType** out)
 {
     TimeType* type = new TimeType();
     type->set_name(name);
-    if (iszbwarn(add_object(type, this, TimeType::C_TimeTypeTag, std::string(), -1, std::string())))
+    if (iszbwarn(add_object(type, this, TimeType::C_TimeTypeTag, std::string(), -1, std::string()))) {
+        delete type; // refused, so still ours
         return zbpass(ZBLOC);
+    }
     if (out)
         *out = type;
     return ZBErrC_ok;

@@ -24,6 +24,50 @@ int application_rank(char type)
     return type && at ? int(at - order) : 6;
 }
 
+template <class F>
+std::unique_ptr<F> copy_facet(const std::unique_ptr<F>& facet)
+{
+    return std::unique_ptr<F>(facet ? new F(*facet) : nullptr);
+}
+
+template <class F>
+void attach_facet(const std::unique_ptr<F>& facet, DiaryEntry* entry)
+{
+    if (facet)
+        facet->attach(entry);
+}
+
+template <class F>
+const F& blank_facet()
+{
+    static const F blank;
+    return blank;
+}
+
+// A facet that is not there reads into a default one, which the entry takes
+// only when the text held some of its fields; a default facet writes nothing.
+// The default one is kept from entry to entry (one a thread: the background
+// planner reads its own copy): most entries hold none of the fields, and a
+// read that finds none leaves it at its defaults, so a large file is read
+// without making and dropping five facets an entry.
+template <class F>
+int serialise_lazy_facet(DiaryEntry& entry, std::unique_ptr<F>& facet, std::istream* in, std::ostream* out,
+                         const std::string& prefix, int version)
+{
+    if (facet)
+        return facet->serialise_facet(entry, in, out, prefix, version);
+    if (!in)
+        return ZBErrC_ok;
+    static thread_local std::unique_ptr<F> scratch;
+    if (!scratch)
+        scratch.reset(new F());
+    const int before = entry.get_nserentries();
+    int result = scratch->serialise_facet(entry, in, out, prefix, version);
+    if (entry.get_nserentries() != before)
+        facet = std::move(scratch);
+    return result;
+}
+
 bool is_blank_token(const std::string& text)
 {
     std::string lower;
@@ -51,9 +95,9 @@ DiaryEntry::DiaryEntry() : m_children(C_EntryTag)
 DiaryEntry::DiaryEntry(const DiaryEntry& other)
     : ZBDEntry(other), m_startSource(other.m_startSource), m_dueSource(other.m_dueSource),
       m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType), m_props(other.m_props),
-      m_dueFacet(other.m_dueFacet), m_baseline(other.m_baseline), m_erepeat(other.m_erepeat),
-      m_oldRepeat(other.m_oldRepeat), m_priorityFacet(other.m_priorityFacet), m_spent(other.m_spent),
-      m_etime(other.m_etime), m_plan(other.m_plan), m_depend(other.m_depend), m_command(other.m_command),
+      m_dueFacet(other.m_dueFacet), m_baseline(copy_facet(other.m_baseline)), m_erepeat(other.m_erepeat),
+      m_oldRepeat(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr), m_priorityFacet(other.m_priorityFacet), m_spent(copy_facet(other.m_spent)),
+      m_etime(other.m_etime), m_plan(copy_facet(other.m_plan)), m_depend(copy_facet(other.m_depend)), m_command(copy_facet(other.m_command)),
       m_needRecalculate(other.m_needRecalculate), m_lastRecalculate(other.m_lastRecalculate),
       m_timeQuery(other.m_timeQuery), m_planStart(other.m_planStart), m_children(C_EntryTag)
 {
@@ -74,15 +118,15 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
     m_entryType = other.m_entryType;
     m_props = other.m_props;
     m_dueFacet = other.m_dueFacet;
-    m_baseline = other.m_baseline;
+    m_baseline = copy_facet(other.m_baseline);
     m_erepeat = other.m_erepeat;
-    m_oldRepeat = other.m_oldRepeat;
+    m_oldRepeat.reset(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr);
     m_priorityFacet = other.m_priorityFacet;
-    m_spent = other.m_spent;
+    m_spent = copy_facet(other.m_spent);
     m_etime = other.m_etime;
-    m_plan = other.m_plan;
-    m_depend = other.m_depend;
-    m_command = other.m_command;
+    m_plan = copy_facet(other.m_plan);
+    m_depend = copy_facet(other.m_depend);
+    m_command = copy_facet(other.m_command);
     m_needRecalculate = other.m_needRecalculate;
     m_lastRecalculate = other.m_lastRecalculate;
     m_timeQuery = other.m_timeQuery;
@@ -95,16 +139,86 @@ void DiaryEntry::attach_facets()
 {
     m_props.attach(this);
     m_dueFacet.attach(this);
-    m_baseline.attach(this);
+    attach_facet(m_baseline, this);
     m_erepeat.attach(this);
     m_priorityFacet.attach(this);
-    m_spent.attach(this);
+    attach_facet(m_spent, this);
     m_etime.attach(this);
-    m_plan.attach(this);
-    m_depend.attach(this);
-    m_command.attach(this);
+    attach_facet(m_plan, this);
+    attach_facet(m_depend, this);
+    attach_facet(m_command, this);
     if (!get_container(C_EntryTag))
         add_container(m_children);
+}
+
+const EntryBaseline& DiaryEntry::get_baseline() const
+{
+    return m_baseline ? *m_baseline : blank_facet<EntryBaseline>();
+}
+
+EntryBaseline& DiaryEntry::edit_baseline()
+{
+    if (!m_baseline) {
+        m_baseline.reset(new EntryBaseline());
+        m_baseline->attach(this);
+    }
+    return *m_baseline;
+}
+
+const EntrySpent& DiaryEntry::get_spent() const
+{
+    return m_spent ? *m_spent : blank_facet<EntrySpent>();
+}
+
+EntrySpent& DiaryEntry::edit_spent()
+{
+    if (!m_spent) {
+        m_spent.reset(new EntrySpent());
+        m_spent->attach(this);
+    }
+    return *m_spent;
+}
+
+const EntryPlan& DiaryEntry::get_plan() const
+{
+    return m_plan ? *m_plan : blank_facet<EntryPlan>();
+}
+
+EntryPlan& DiaryEntry::edit_plan()
+{
+    if (!m_plan) {
+        m_plan.reset(new EntryPlan());
+        m_plan->attach(this);
+    }
+    return *m_plan;
+}
+
+const EntryDepend& DiaryEntry::get_depend() const
+{
+    return m_depend ? *m_depend : blank_facet<EntryDepend>();
+}
+
+EntryDepend& DiaryEntry::edit_depend()
+{
+    if (!m_depend) {
+        m_depend.reset(new EntryDepend());
+        m_depend->attach(this);
+    }
+    return *m_depend;
+}
+
+const EntryCommand& DiaryEntry::get_command() const
+{
+    return m_command ? *m_command : blank_facet<EntryCommand>();
+}
+
+EntryCommand& DiaryEntry::edit_command()
+{
+    if (!m_command) {
+        m_command.reset(new EntryCommand());
+        m_command->attach(this);
+    }
+    return *m_command;
 }
 
 void DiaryEntry::register_zbobject()
@@ -128,15 +242,15 @@ void DiaryEntry::set_defaults(bool all)
     m_entryType = ZBCalcPair<char>('O');
     m_props.set_defaults(all);
     m_dueFacet.set_defaults(all);
-    m_baseline.set_defaults(all);
+    m_baseline.reset();
     m_erepeat.set_defaults(all);
-    m_oldRepeat.set_defaults(true);
+    m_oldRepeat.reset();
     m_priorityFacet.set_defaults(all);
-    m_spent.set_defaults(all);
+    m_spent.reset();
     m_etime.set_defaults(all);
-    m_plan.set_defaults(all);
-    m_depend.set_defaults(all);
-    m_command.set_defaults(all);
+    m_plan.reset();
+    m_depend.reset();
+    m_command.reset();
     m_needRecalculate = true;
     m_lastRecalculate = 0;
     m_timeQuery = ZBDuration();
@@ -158,26 +272,31 @@ void DiaryEntry::dump(std::ostream& out, int indent) const
     }
     m_props.dump(out, indent + 1);
     m_dueFacet.dump(out, indent + 1);
-    m_baseline.dump(out, indent + 1);
+    get_baseline().dump(out, indent + 1);
     m_erepeat.dump(out, indent + 1);
     m_priorityFacet.dump(out, indent + 1);
-    m_spent.dump(out, indent + 1);
+    get_spent().dump(out, indent + 1);
     m_etime.dump(out, indent + 1);
-    m_plan.dump(out, indent + 1);
-    m_depend.dump(out, indent + 1);
-    m_command.dump(out, indent + 1);
+    get_plan().dump(out, indent + 1);
+    get_depend().dump(out, indent + 1);
+    get_command().dump(out, indent + 1);
     ZBDEntry::dump(out, indent + 1);
 }
 
 int DiaryEntry::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
 {
     m_entryType.serialise(*this, in, out, prefix, "et", 'O');
-    EntryFacet* facets[] = {&m_props, &m_dueFacet, &m_baseline, &m_erepeat, &m_priorityFacet,
-                            &m_spent, &m_etime, &m_plan, &m_depend, &m_command};
-    for (size_t i = 0; i < sizeof(facets) / sizeof(facets[0]); ++i) {
-        if (iszbwarn(facets[i]->serialise_facet(*this, in, out, prefix, version)))
-            return zbpass(ZBLOC);
-    }
+    if (iszbwarn(m_props.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(m_dueFacet.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_baseline, in, out, prefix, version))
+        || iszbwarn(m_erepeat.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(m_priorityFacet.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_spent, in, out, prefix, version))
+        || iszbwarn(m_etime.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_plan, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_depend, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_command, in, out, prefix, version)))
+        return zbpass(ZBLOC);
     if (in)
         attach_facets();
     // Then the record: title, details, dates, priority, progress, repeat rule
@@ -401,7 +520,7 @@ bool DiaryEntry::is_active() const
 {
     if (is_complete())
         return false;
-    if (m_depend.get_active_depends() > 0)
+    if (get_depend().get_active_depends() > 0)
         return false;
     if (get_nchildren() == 0) {
         const ZBDate& start = m_start.calc;
@@ -472,7 +591,8 @@ void DiaryEntry::move_instance(const ZBDate& start, const ZBDate& end)
 
 int DiaryEntry::mark_complete(const ZBDate& date)
 {
-    m_spent.stop_session(date);
+    if (m_spent)
+        m_spent->stop_session(date);
     if (Diary* diary = get_diary())
         if (diary->get_session_id() == get_id())
             diary->set_session_id(-1);
@@ -488,7 +608,7 @@ int DiaryEntry::mark_complete(const ZBDate& date)
             base = m_start.orig;
     }
     m_time.set_orig(ZBDateSlot(date, date));
-    m_spent.set_closed(date);
+    edit_spent().set_closed(date);
 
     bool moved = false;
     if (m_repeat.is_repeating()) {
@@ -515,14 +635,17 @@ int DiaryEntry::mark_complete(const ZBDate& date)
                 progress.set_completion(0.0);
                 m_duration.set_orig(progress);
                 ZBDate now = ZBDateUtils::now();
-                m_plan.remove_plans(m_start.orig.is_ok() && now < m_start.orig ? m_start.orig : now);
-                m_command.reset_executed();
+                if (m_plan)
+                    m_plan->remove_plans(m_start.orig.is_ok() && now < m_start.orig ? m_start.orig : now);
+                if (m_command)
+                    m_command->reset_executed();
                 moved = true;
             }
         }
     }
     if (!moved) {
-        m_plan.remove_plans(ZBDate::C_Blank);
+        if (m_plan)
+            m_plan->remove_plans(ZBDate::C_Blank);
         ZBProgress progress = m_duration.orig;
         progress.set_completion(100.0);
         m_duration.set_orig(progress);
@@ -538,7 +661,8 @@ int DiaryEntry::mark_complete(const ZBDate& date)
 void DiaryEntry::clear_predicted(bool force)
 {
     m_erepeat.invalidate();
-    m_plan.clear_predicted();
+    if (m_plan)
+        m_plan->clear_predicted();
     m_needRecalculate = true;
     if (force)
         if (Diary* diary = get_diary())
@@ -587,7 +711,7 @@ int DiaryEntry::postpone(const std::string& startText, const std::string& endTex
     if (sequence >= 1) {
         const char letter = char(get_type_seq(sequence));
         index = get_index_seq(sequence);
-        set = letter == 'p' ? &m_plan.edit_planned() : letter == 's' ? &m_spent.edit_sessions() : nullptr;
+        set = letter == 'p' ? &edit_plan().edit_planned() : letter == 's' ? &edit_spent().edit_sessions() : nullptr;
         if (!set || index >= set->size())
             return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "There is no session %d to postpone.", sequence);
         start = (*set)[index]->m_start;
@@ -626,9 +750,9 @@ int DiaryEntry::postpone(const std::string& startText, const std::string& endTex
 
 void DiaryEntry::save_baseline(bool withDates)
 {
-    m_baseline.set_duration(m_duration.orig.get_duration());
+    edit_baseline().set_duration(m_duration.orig.get_duration());
     if (withDates)
-        m_baseline.set_start_end(m_etime.get_calc_date());
+        edit_baseline().set_start_end(m_etime.get_calc_date());
 }
 
 void DiaryEntry::delete_resource(int id, int replacement)
@@ -658,7 +782,8 @@ int DiaryEntry::compact(Diary* diary, bool force)
             return zbpass(ZBLOC);
     if (!is_complete() || !diary)
         return ZBErrC_ok;
-    m_depend.clear_depends();
+    if (m_depend)
+        m_depend->clear_depends();
     for (const DiaryEntry* child : m_children) {
         const char type = child->get_derived_entrytype();
         if ((!force && is_mandatory_child(*child)) || (type != 'T' && type != 'A') || child->get_preserve())
@@ -677,17 +802,17 @@ int DiaryEntry::compact(Diary* diary, bool force)
     }
     if (get_nchildren() == 0)
         return ZBErrC_ok;
-    const ZBDuration baselineDuration = m_baseline.get_duration().orig;
-    const ZBDateSlot baselineSlot = m_baseline.get_start_end().orig;
+    const ZBDuration baselineDuration = get_baseline().get_duration().orig;
+    const ZBDateSlot baselineSlot = get_baseline().get_start_end().orig;
     const double priority = m_priority.calc;
     const ZBProgress progress = m_duration.calc;
     const ZBDateSlot slot = m_etime.get_calc_date();
     const ZBDate startAfter = m_start.calc;
     const ZBDate due = m_due.calc;
-    m_spent.edit_sessions().set_keepduration(true);
+    edit_spent().edit_sessions().set_keepduration(true);
     std::vector<int> fold;
     for (const DiaryEntry* child : m_children) {
-        m_spent.edit_sessions().add(child->get_spent().get_sessions());
+        edit_spent().edit_sessions().add(child->get_spent().get_sessions());
         if (!child->get_text().empty())
             m_text += C_CompactSeparator + child->get_text();
         fold.push_back(child->get_id());
@@ -702,8 +827,8 @@ int DiaryEntry::compact(Diary* diary, bool force)
         m_duration.set_orig(progress);
         m_start.set_orig(startAfter);
         m_due.set_orig(due);
-        m_baseline.set_duration(baselineDuration);
-        m_baseline.set_start_end(baselineSlot);
+        edit_baseline().set_duration(baselineDuration);
+        edit_baseline().set_start_end(baselineSlot);
     }
     m_priority.set_orig(priority);
     changed();
@@ -889,7 +1014,8 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int)
     ZBProgress progress = m_duration.orig;
     m_duration.set_calc(progress);
     m_priorityFacet.set_nondue_priority(m_priority.calc);
-    m_depend.set_active_depends(0);
+    if (m_depend)
+        m_depend->set_active_depends(0);
     return ZBErrC_ok;
 }
 
@@ -900,7 +1026,7 @@ void DiaryEntry::update_first_plan()
         return;
     }
     ZBDate first = ZBDate::C_Blank;
-    for (const ZBDateSet* set : {&m_plan.get_planned(), &m_plan.get_predicted()}) {
+    for (const ZBDateSet* set : {&get_plan().get_planned(), &get_plan().get_predicted()}) {
         if (set->empty())
             continue;
         ZBDate start = set->start();

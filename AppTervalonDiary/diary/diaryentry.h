@@ -86,22 +86,22 @@ public:
     EntryProperties& edit_props() { return m_props; }
     const EntryDue& get_due_facet() const { return m_dueFacet; }
     EntryDue& edit_due_facet() { return m_dueFacet; }
-    const EntryBaseline& get_baseline() const { return m_baseline; }
-    EntryBaseline& edit_baseline() { return m_baseline; }
+    const EntryBaseline& get_baseline() const;
+    EntryBaseline& edit_baseline();
     const EntryRepeat& get_erepeat() const { return m_erepeat; }
     EntryRepeat& edit_erepeat() { return m_erepeat; }
     const EntryPriority& get_priority_facet() const { return m_priorityFacet; }
     EntryPriority& edit_priority_facet() { return m_priorityFacet; }
-    const EntrySpent& get_spent() const { return m_spent; }
-    EntrySpent& edit_spent() { return m_spent; }
+    const EntrySpent& get_spent() const;
+    EntrySpent& edit_spent();
     const EntryTime& get_etime() const { return m_etime; }
     EntryTime& edit_etime() { return m_etime; }
-    const EntryPlan& get_plan() const { return m_plan; }
-    EntryPlan& edit_plan() { return m_plan; }
-    const EntryDepend& get_depend() const { return m_depend; }
-    EntryDepend& edit_depend() { return m_depend; }
-    const EntryCommand& get_command() const { return m_command; }
-    EntryCommand& edit_command() { return m_command; }
+    const EntryPlan& get_plan() const;
+    EntryPlan& edit_plan();
+    const EntryDepend& get_depend() const;
+    EntryDepend& edit_depend();
+    const EntryCommand& get_command() const;
+    EntryCommand& edit_command();
 
     // Types.
     // The letter as an int, as the record gives it; compare with 'T' and the like.
@@ -192,15 +192,20 @@ private:
     ZBCalcPair<char> m_entryType;
     EntryProperties m_props;
     EntryDue m_dueFacet;
-    EntryBaseline m_baseline;
+    // The facets that most entries leave at their defaults are made on the
+    // first edit; until then get_ gives a shared default one. None of them
+    // looks at its entry, so a shared one answers for every entry alike.
+    std::unique_ptr<EntryBaseline> m_baseline;
     EntryRepeat m_erepeat;
-    ZBDateRepeat m_oldRepeat;
+    // A previous repeat rule, made only when one has to be kept: almost no
+    // entry has one, and a rule is large.
+    std::unique_ptr<ZBDateRepeat> m_oldRepeat;
     EntryPriority m_priorityFacet;
-    EntrySpent m_spent;
+    std::unique_ptr<EntrySpent> m_spent;
     EntryTime m_etime;
-    EntryPlan m_plan;
-    EntryDepend m_depend;
-    EntryCommand m_command;
+    std::unique_ptr<EntryPlan> m_plan;
+    std::unique_ptr<EntryDepend> m_depend;
+    std::unique_ptr<EntryCommand> m_command;
     bool m_needRecalculate;
     long m_lastRecalculate;
     ZBDuration m_timeQuery;

@@ -14,6 +14,11 @@ int EntryFacet::serialise_set(ZBObject& owner, std::istream* in, std::ostream* o
 {
     if (out && set.empty())
         return ZBErrC_ok;
+    // An empty set is left out of the file, so a text without the tag means an
+    // empty set: read over a live entry (a revert, a replayed change), the
+    // sessions it held must go.
+    if (in)
+        set.clear();
     ZBSrlObject<ZBDateSet> binder(set, version);
     if (iszberr(owner.serialise_object(in, out, prefix, tag, binder)))
         return zbpass(ZBLOC);

@@ -160,8 +160,30 @@ public:
     // range to its front. compare(a, b) is non-zero when a belongs behind b.
     // Each run of elements that compare equal comes out in reverse order; the
     // planner's results depend on that, so it must not be replaced by another sort.
-    int sort(CompareFn compare, int first = 0, int last = -1)
+    // Virtual so that an array that keeps something beside each element (an
+    // index's keys) moves it with the element, even when sorted through a
+    // reference to this base.
+    virtual int sort(CompareFn compare, int first = 0, int last = -1)
     {
+        bool done = false;
+        int result = check_sort(compare, first, last, done);
+        if (done)
+            return result;
+        return sort_range(m_data, first, last, [compare](const T* a, const T* b) { return compare(*a, *b); });
+    }
+
+    typename std::vector<T*>::const_iterator begin() const { return m_data.begin(); }
+    typename std::vector<T*>::const_iterator end() const { return m_data.end(); }
+
+protected:
+    std::vector<T*> m_data;
+    bool m_managed = true;
+
+    // The checks that come before any sort; done when there is nothing to sort
+    // (or the arguments are wrong, with the result to give). last is made real.
+    int check_sort(CompareFn compare, int first, int& last, bool& done) const
+    {
+        done = true;
         if (m_data.size() < 2)
             return ZBErrC_ok;
         if (first < 0 || first >= int(m_data.size()))
@@ -172,17 +194,27 @@ public:
             last = int(m_data.size()) - 1;
         if (last <= first)
             return ZBErrC_ok;
+        done = false;
+        return ZBErrC_ok;
+    }
+
+    // Sorts v[first..last] (checked already) by the one algorithm; behind(a, b)
+    // is non-zero when a belongs behind b. E is an element pointer, or a
+    // position for a caller that moves other data along.
+    template <class E, class Behind>
+    static int sort_range(std::vector<E>& v, int first, int last, Behind behind)
+    {
         if (last - first + 1 >= C_BlockSortMin)
-            return sort_blocks(compare, first, last);
+            return sort_blocks(v, first, last, behind);
         for (int i = last - 1; i >= first; --i) {
-            T* e = m_data[size_t(i)];
+            E e = v[size_t(i)];
             int lo = i + 1;
             int hi = last + 1;
             int mid = lo;
             bool place = false;
             for (;;) {
                 mid = (lo + hi) / 2;
-                if (compare(*m_data[size_t(mid)], *e)) {
+                if (behind(v[size_t(mid)], e)) {
                     if (lo >= mid)
                         break;
                     hi = mid;
@@ -196,19 +228,12 @@ public:
             }
             if (place) {
                 // Shift i+1..mid one place to the front and put e at mid.
-                std::move(m_data.begin() + i + 1, m_data.begin() + mid + 1, m_data.begin() + i);
-                m_data[size_t(mid)] = e;
+                std::move(v.begin() + i + 1, v.begin() + mid + 1, v.begin() + i);
+                v[size_t(mid)] = e;
             }
         }
         return ZBErrC_ok;
     }
-
-    typename std::vector<T*>::const_iterator begin() const { return m_data.begin(); }
-    typename std::vector<T*>::const_iterator end() const { return m_data.end(); }
-
-protected:
-    std::vector<T*> m_data;
-    bool m_managed = true;
 
 private:
     // The same search as the plain loop, probe for probe, so that the order of
@@ -216,28 +241,29 @@ private:
     // a consistent ordering. Only the storage of the sorted tail differs: it is
     // held in blocks of about sqrt(n) elements, which turns the quadratic
     // shifting of a long tail into short moves inside one block.
-    int sort_blocks(CompareFn compare, int first, int last)
+    template <class E, class Behind>
+    static int sort_blocks(std::vector<E>& v, int first, int last, Behind behind)
     {
         const size_t n = size_t(last - first + 1);
         const size_t blockMax = 2 * std::max<size_t>(32, size_t(std::sqrt(double(n))));
-        std::vector<std::vector<T*>> blocks(1);
+        std::vector<std::vector<E>> blocks(1);
         std::vector<int> starts(1, 0);
         blocks[0].reserve(blockMax + 1);
-        blocks[0].push_back(m_data[size_t(last)]);
+        blocks[0].push_back(v[size_t(last)]);
         auto block_of = [&](int j) { return size_t(std::upper_bound(starts.begin(), starts.end(), j) - starts.begin()) - 1; };
         auto element = [&](int j) {
             const size_t b = block_of(j);
             return blocks[b][size_t(j - starts[b])];
         };
-        auto insert_at = [&](int j, T* e) {
+        auto insert_at = [&](int j, E e) {
             const size_t b = block_of(j);
-            std::vector<T*>& block = blocks[b];
+            std::vector<E>& block = blocks[b];
             block.insert(block.begin() + (j - starts[b]), e);
             for (size_t k = b + 1; k < starts.size(); ++k)
                 ++starts[k];
             if (block.size() > blockMax) {
                 const size_t half = block.size() / 2;
-                std::vector<T*> tail;
+                std::vector<E> tail;
                 tail.reserve(blockMax + 1);
                 tail.assign(block.begin() + long(half), block.end());
                 block.resize(half);
@@ -248,14 +274,14 @@ private:
         // The tail that is sorted so far starts at array position i + 1: array
         // position p is tail index p - i - 1.
         for (int i = last - 1; i >= first; --i) {
-            T* e = m_data[size_t(i)];
+            E e = v[size_t(i)];
             int lo = i + 1;
             int hi = last + 1;
             int mid = lo;
             bool place = false;
             for (;;) {
                 mid = (lo + hi) / 2;
-                if (compare(*element(mid - i - 1), *e)) {
+                if (behind(element(mid - i - 1), e)) {
                     if (lo >= mid)
                         break;
                     hi = mid;
@@ -271,9 +297,9 @@ private:
             insert_at(place ? mid - i : 0, e);
         }
         size_t out = size_t(first);
-        for (const std::vector<T*>& block : blocks)
-            for (T* e : block)
-                m_data[out++] = e;
+        for (const std::vector<E>& block : blocks)
+            for (const E& e : block)
+                v[out++] = e;
         return ZBErrC_ok;
     }
 };

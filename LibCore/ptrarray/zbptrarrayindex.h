@@ -153,15 +153,29 @@ public:
         return -1;
     }
 
-    // Sorting reorders the keys with their elements.
-    int sort(typename Base::CompareFn compare, int first = 0, int last = -1)
+    // Sorting moves each key with its element (the map points at elements, so
+    // it stays right). Positions are sorted rather than pointers, so that an
+    // element held twice under two keys keeps both.
+    int sort(typename Base::CompareFn compare, int first = 0, int last = -1) override
     {
-        std::map<const T*, K> keys;
-        for (size_t i = 0; i < Base::m_data.size(); ++i)
-            keys.emplace(Base::m_data[i], m_key[i]);
-        int result = Base::sort(compare, first, last);
-        for (size_t i = 0; i < Base::m_data.size(); ++i)
-            m_key[i] = keys[Base::m_data[i]];
+        bool done = false;
+        int result = Base::check_sort(compare, first, last, done);
+        if (done)
+            return result;
+        std::vector<size_t> order(Base::m_data.size());
+        for (size_t i = 0; i < order.size(); ++i)
+            order[i] = i;
+        const std::vector<T*>& data = Base::m_data;
+        result = Base::sort_range(order, first, last,
+                                  [compare, &data](size_t a, size_t b) { return compare(*data[a], *data[b]); });
+        std::vector<T*> elements(data.size());
+        std::vector<K> keys(m_key.size());
+        for (size_t i = 0; i < order.size(); ++i) {
+            elements[i] = data[order[i]];
+            keys[i] = std::move(m_key[order[i]]);
+        }
+        Base::m_data.swap(elements);
+        m_key.swap(keys);
         return result;
     }
 

@@ -6,6 +6,9 @@
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zbdateparser.h"
 #include "LibObject/object/zbdump.h"
+#include "LibObject/object/zbpurgeunhandledscope.h"
+
+#include <QCryptographicHash>
 
 #include <QDir>
 #include <QFile>
@@ -19,6 +22,7 @@
 #include <memory>
 #include <regex>
 #include <set>
+#include <unordered_map>
 #include <sstream>
 
 namespace Tervalon {
@@ -201,15 +205,16 @@ void ZBDatabase::func()
 
 int ZBDatabase::create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out)
 {
-    ZBDBObject* object = new ZBDBObject();
-    int result = add_object(object, parent ? parent : this, tag, std::string(), specId, std::string());
+    std::unique_ptr<ZBDBObject> object(new ZBDBObject());
+    int result = add_object(object.get(), parent ? parent : this, tag, std::string(), specId, std::string());
     if (iszbwarn(result)) {
         if (out)
             *out = nullptr;
         return zbpass(ZBLOC);
     }
     if (out)
-        *out = object;
+        *out = object.get();
+    object.release();
     return ZBErrC_ok;
 }
 
@@ -237,13 +242,14 @@ int ZBDatabase::upgrade_appfileversion()
     if (m_appFileVersion >= current_appfileversion())
         return ZBErrC_ok;
     if (!m_completeFile.empty() && QFile::exists(QString::fromStdString(m_completeFile))) {
-        std::string copy = get_cache_name(m_completeFile, true) + ".Ver" + std::to_string(m_appFileVersion);
-        QFile::remove(QString::fromStdString(copy));
+        const std::string copy = version_copy_name(m_completeFile, m_appFileVersion);
         if (!QFile::copy(QString::fromStdString(m_completeFile), QString::fromStdString(copy)))
             return zbwarning(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", copy.c_str());
     }
     resolve_containers();
-    G_PurgeUnhandled = true;
+    // Fields the old version kept that this one does not know are dropped
+    // from this file's writes, and from no other file's.
+    m_purgeUnhandled = true;
     m_appFileVersion = current_appfileversion();
     mark_changed(ZBLOC, true);
     return ZBErrC_ok;
@@ -299,6 +305,26 @@ void ZBDatabase::set_filename(const std::string& name)
     m_completeFile = name;
 }
 
+// The folder's path is hashed into the name, so that two data files of the
+// same name in different folders keep their own copies, and a copy already
+// there is never overwritten: a second upgrade of the same version gets the
+// next free number.
+std::string ZBDatabase::version_copy_name(const std::string& name, int version)
+{
+    const QFileInfo info(QString::fromStdString(name));
+    const QString folder = info.absoluteDir().canonicalPath().isEmpty() ? info.absolutePath()
+                                                                          : info.absoluteDir().canonicalPath();
+    const std::string hash =
+        QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(8).toStdString();
+    const QString dir = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    QDir().mkpath(dir);
+    const std::string base = (dir + "/" + info.fileName()).toStdString() + "." + hash + ".Ver" + std::to_string(version);
+    std::string copy = base;
+    for (int n = 2; QFile::exists(QString::fromStdString(copy)); ++n)
+        copy = base + "-" + std::to_string(n);
+    return copy;
+}
+
 std::string ZBDatabase::get_cache_name(const std::string& name, bool create)
 {
     QString dir = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
@@ -350,6 +376,7 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
         zbuserinfo_set("%s contains invalid data.", name.c_str());
         // Nothing of the damaged file stays in memory.
         m_object.clear();
+        m_headEntry.clear();
         m_completeFile.clear();
         return zbpass(ZBLOC);
     }
@@ -462,6 +489,8 @@ int ZBDatabase::unload()
     for (ZBDBObject* object : m_object)
         object->clear_containers();
     m_object.clear();
+    m_headEntry.clear();
+    m_purgeUnhandled = false;
     m_isLoaded = false;
     m_isResolved = false;
     m_readOnly = false;
@@ -489,6 +518,48 @@ int ZBDatabase::first_object(const std::string& fileName, std::string& className
     return zberror(ZBErrC_NotADatabase, ZBLOC, "Could not locate database information in DB file.");
 }
 
+namespace {
+
+// Whether the text of an id field is a whole, non-negative number. A stream
+// extraction would read "xyz" as 0, the database's own id.
+bool valid_id_text(const std::string& stored)
+{
+    const std::string text = stored.find('\\') == std::string::npos ? stored : zb_stream_in(stored);
+    const size_t start = text.find_first_not_of(" \t");
+    if (start == std::string::npos)
+        return false;
+    const size_t end = text.find_last_not_of(" \t") + 1;
+    // Nine digits at most, so that the number fits an int.
+    return end - start <= 9
+        && std::all_of(text.begin() + long(start), text.begin() + long(end), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+} // namespace
+
+// The record's entries are read first, so that its id can be checked before
+// it is used and the line of a fault named; lineNo is the line of the class
+// start, and afterwards that of the class end.
+int ZBDatabase::read_record(ZBObject& object, std::istream& in, int version, int& lineNo)
+{
+    object.clear_unhandled_data();
+    if (iszbwarn(object.read_class_entries(in)))
+        return zbpass(ZBLOC);
+    int line = lineNo;
+    for (int i = 0; i < object.get_nserentries(); ++i) {
+        const ZBSerialisationEntry* entry = object.get_serentry(i);
+        ++line;
+        if (entry->m_entryType == ZBSerialisationEntry::E_Class)
+            line += int(std::count(entry->m_value.begin(), entry->m_value.end(), '\n'));
+        else if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == "I" && !valid_id_text(entry->m_value))
+            return zberror(ZBErrC_CorruptDatabase, ZBLOC, "The object id \"%s\" on line %d is damaged.",
+                           entry->m_value.c_str(), line);
+    }
+    lineNo = line + 1;
+    if (iszbwarn(object.serialise(&in, nullptr, "", version)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
 // Objects are read straight from the file stream, each by its class, so that a
 // large file is parsed once; the form is the same as an object's entry text.
 int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
@@ -499,14 +570,24 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
             return ZBErrC_okDelete;
         return zberror(ZBErrC_NotADatabase, ZBLOC, "The file you are opening is not a database file.");
     }
+    int lineNo = 1;
+    if (!partial)
+        m_headEntry.clear();
     bool skip = partial && skipSaved && m_dbIndex.get_last_save() > 0;
     bool seenDatabase = false;
     int highest = m_uniqueId;
     const std::string objectTag = C_ObjectStart;
     std::vector<signed char> databaseClass; // by class id: 1 a database class, 0 not, -1 not known yet
     while (zb_read_line(in, line)) {
-        if (line.size() < 2)
-            continue; // Blank lines, a stray class end and one-character lines carry nothing here.
+        ++lineNo;
+        if (line.empty() || line == "}")
+            continue; // Blank lines and a stray class end carry nothing.
+        if (line.size() < 2 || (line[0] != '!' && line[0] != '@')) {
+            if (!partial)
+                m_headEntry.push_back(new ZBSerialisationEntry(ZBSerialisationEntry::E_Raw, std::string(),
+                                                               zb_stream_in(line[0] == '\\' ? line.substr(1) : line)));
+            continue;
+        }
         if (line[0] == '!') {
             const std::string text = zb_stream_in(line);
             const size_t bang = text.find('!', 1);
@@ -518,23 +599,33 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
                     return zberror(ZBErrC_InvalidDatabaseVersion, ZBLOC,
                                    "Does not handle database version %d (max version handled is %d)",
                                    m_databaseFileVersion, C_LatestFileVersion);
-            } else if (tag == C_DlmtTransaction && partial) {
-                const int id = int(std::strtol(value.c_str(), nullptr, 10));
-                skip = m_dbIndex.get_status(id) != 0 || (skipSaved && id < m_dbIndex.get_last_save());
+            } else if (tag == C_DlmtTransaction) {
+                if (partial) {
+                    const int id = int(std::strtol(value.c_str(), nullptr, 10));
+                    skip = m_dbIndex.get_status(id) != 0 || (skipSaved && id < m_dbIndex.get_last_save());
+                }
+            } else if (!partial) {
+                // A field of a newer program's file head: kept and written back.
+                m_headEntry.push_back(new ZBSerialisationEntry(ZBSerialisationEntry::E_Field, tag, value));
             }
             continue;
         }
-        if (line[0] != '@')
-            continue; // Raw lines at the top level are passed over.
-        if (zb_stream_in(line.substr(1)).compare(0, objectTag.size(), objectTag) != 0) {
-            if (iszbwarn(zb_read_nested(in, nullptr)))
+        const std::string objectLine = zb_stream_in(line.substr(1));
+        if (objectLine.compare(0, objectTag.size(), objectTag) != 0) {
+            std::unique_ptr<ZBSerialisationEntry> nested(
+                new ZBSerialisationEntry(ZBSerialisationEntry::E_Class, objectLine, std::string()));
+            if (iszbwarn(zb_read_nested(in, &nested->m_value)))
                 return zbpass(ZBLOC);
+            lineNo += int(std::count(nested->m_value.begin(), nested->m_value.end(), '\n'));
+            if (!partial)
+                m_headEntry.push_back(nested.release());
             continue;
         }
         std::string start;
         do {
             if (!zb_read_line(in, start))
                 return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
+            ++lineNo;
         } while (start.empty() || start[0] != '{');
         const std::string name = start.substr(1);
         ZBObjectIndexEntry* entry = zbclassindex().find(name);
@@ -558,7 +649,7 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
             // The database's own record goes into this object, and its file
             // version governs how the other objects are read.
             delete created;
-            if (iszbwarn(read_class_body(in, m_appFileVersion)))
+            if (iszbwarn(read_record(*this, in, m_appFileVersion, lineNo)))
                 return zbpass(ZBLOC);
             if (in.fail())
                 return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
@@ -569,7 +660,7 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
             continue;
         }
         std::unique_ptr<ZBObject> holder(created);
-        if (iszbwarn(created->read_class_body(in, m_appFileVersion)))
+        if (iszbwarn(read_record(*created, in, m_appFileVersion, lineNo)))
             return zbpass(ZBLOC);
         if (in.fail())
             return zberror(ZBErrC_FileTooShort, ZBLOC, "Could not find the end of the class marker.");
@@ -608,12 +699,18 @@ int ZBDatabase::write(std::ostream& out, long since, bool withHead, const std::s
     if (m_readOnly)
         return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
     const bool head = since == 0 || withHead;
+    ZBPurgeUnhandledScope purge(m_purgeUnhandled);
     if (head && version != -1 && version != m_databaseFileVersion)
         return zberror(ZBErrC_InvalidDatabaseVersion, ZBLOC,
                        "You must use a since value of 0 if you are going to change the database file version.");
     if (head) {
         out << C_DlmtDBIdentifier << '\n';
         write_tagged_field(C_DlmtVersion, out, "%d", m_databaseFileVersion);
+        // What a newer program put at the top of the file goes back there.
+        if (since == 0)
+            for (const ZBSerialisationEntry* entry : m_headEntry)
+                if (iszbwarn(entry->write_entry(out)))
+                    return zbpass(ZBLOC);
     }
     if (since > 0 && !operation.empty()) {
         if (!running_release().empty())
@@ -727,6 +824,28 @@ bool ZBDatabase::needs_save() const
     return m_isLoaded && !m_readOnly && db_has_changed_since(m_lastFullWrite, false);
 }
 
+namespace {
+
+// Whether an object, and every object it carries, may hold the children it
+// carries. The carried children are put back as they were.
+bool can_hold_children(ZBDBObject& object)
+{
+    std::vector<ZBDBObject*> children;
+    while (ZBDBObject* child = object.extract_managed_child())
+        children.push_back(child);
+    bool fits = children.empty() || object.allow_children();
+    for (ZBDBObject* child : children)
+        fits = fits && can_hold_children(*child);
+    for (ZBDBObject* child : children)
+        object.add_managed_child(child);
+    return fits;
+}
+
+} // namespace
+
+// Every check that can refuse comes before the database takes the object: a
+// refused object is still the caller's, untouched, and a taken one is the
+// database's whatever follows.
 int ZBDatabase::add_object(ZBDBObject* object, ZBDBObject* parent, const std::string& containerTag,
                            const std::string& memberTag, int specId, const std::string& operation, int id)
 {
@@ -737,6 +856,25 @@ int ZBDatabase::add_object(ZBDBObject* object, ZBDBObject* parent, const std::st
     if (parent && parent->get_id() < 0)
         return zberror(ZBErrC_InvalidValue, ZBLOC, "The parent object of %d does not have a valid ID set (%d).",
                        object->get_id(), parent->get_id());
+    ZBDBContainerBase* container = parent ? parent->get_or_make_container(containerTag) : nullptr;
+    if (parent && !container)
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "The parent container tag %s could not be located.", containerTag.c_str());
+    if (!can_hold_children(*object))
+        return zberror(ZBErrC_InvalidValue, ZBLOC, "The object %d cannot hold the children it carries.", object->get_id());
+    take_object(object, parent, container, containerTag, memberTag, specId, id);
+    object->on_add();
+    if (!operation.empty()) {
+        int result = complete_operation(operation);
+        // The object is in the tree and the database's; the caller must not free it.
+        if (iszbwarn(result))
+            return ZBErrC_okFailed;
+    }
+    return ZBErrC_ok;
+}
+
+void ZBDatabase::take_object(ZBDBObject* object, ZBDBObject* parent, ZBDBContainerBase* container,
+                             const std::string& containerTag, const std::string& memberTag, int specId, int id)
+{
     if (id < 0)
         id = object->get_id();
     if (id < 0 || m_object.find(id) || id == get_id())
@@ -747,9 +885,6 @@ int ZBDatabase::add_object(ZBDBObject* object, ZBDBObject* parent, const std::st
     m_object.add(id, object);
     if (specId >= 0)
         object->set_specid(specId);
-    ZBDBContainerBase* container = parent ? parent->get_or_make_container(containerTag) : nullptr;
-    if (parent && !container)
-        return zberror(ZBErrC_InvalidValue, ZBLOC, "The parent container tag %s could not be located.", containerTag.c_str());
     object->set_parent(parent, containerTag, memberTag, this);
     if (container) {
         container->add_object(object);
@@ -760,20 +895,18 @@ int ZBDatabase::add_object(ZBDBObject* object, ZBDBObject* parent, const std::st
     object->mark_changed(ZBLOC, true);
     // Children carried by the object come into the database with it.
     while (ZBDBObject* child = object->extract_managed_child()) {
-        std::string childTag = child->get_obj_container_tag().empty() ? C_DefaultChildName : child->get_obj_container_tag();
-        int result = add_object(child, object, childTag, child->get_member_tag(), child->get_specid(), std::string(), child->get_id());
-        if (iszbwarn(result))
-            return zbpass(ZBLOC);
+        const std::string childTag =
+            child->get_obj_container_tag().empty() ? C_DefaultChildName : child->get_obj_container_tag();
+        take_object(child, object, object->get_or_make_container(childTag), childTag, child->get_member_tag(),
+                    child->get_specid(), child->get_id());
+        child->on_add();
     }
-    object->on_add();
-    if (!operation.empty())
-        return complete_operation(operation);
-    return ZBErrC_ok;
 }
 
 int ZBDatabase::extract_object(int id, ZBDBObject*& out, bool)
 {
-    int result = extract_tree(id, out);
+    out = nullptr;
+    int result = extract_tree(id, &out);
     if (iszbwarn(result))
         return zbpass(ZBLOC);
     resolve_containers();
@@ -781,61 +914,101 @@ int ZBDatabase::extract_object(int id, ZBDBObject*& out, bool)
     return ZBErrC_ok;
 }
 
-// The containers are rebuilt once by the caller, not once per descendant.
-int ZBDatabase::extract_tree(int id, ZBDBObject*& out)
+int ZBDatabase::extract_tree(int id, ZBDBObject** out)
 {
-    out = nullptr;
-    ZBDBObject* object = m_object.find(id);
-    if (!object)
+    if (out)
+        *out = nullptr;
+    ZBDBObject* root = m_object.find(id);
+    if (!root)
         return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not delete - Object ID %d not found.", id);
-    if (iszbwarn(object->edit(-1, false)))
-        return zbpass(ZBLOC);
-    ZBDBObject* copy = dynamic_cast<ZBDBObject*>(object->clone_class());
-    if (!copy) {
-        object->revert();
-        return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not duplicate this object.");
+
+    // The live children of every object, by parent id, in the order of
+    // m_object: one pass over the ids instead of one per object taken out.
+    int maxId = 0;
+    for (const ZBDBObject* object : m_object)
+        maxId = std::max(maxId, std::max(object->get_id(), object->get_parent_id()));
+    std::vector<int> first(size_t(maxId) + 2, 0);
+    for (const ZBDBObject* object : m_object)
+        if (object->get_parent_id() >= 0 && !object->is_deleted())
+            ++first[size_t(object->get_parent_id()) + 1];
+    for (size_t i = 1; i < first.size(); ++i)
+        first[i] += first[i - 1];
+    std::vector<ZBDBObject*> children(size_t(first.back()));
+    {
+        std::vector<int> next(first.begin(), first.end() - 1);
+        for (ZBDBObject* object : m_object)
+            if (object->get_parent_id() >= 0 && !object->is_deleted())
+                children[size_t(next[size_t(object->get_parent_id())]++)] = object;
     }
-    // The copy is detached: no parent, and clearing it is not a change of anyone's.
-    if (copy->get_parent_id() >= 0) {
-        copy->set_systemchange();
-        copy->set_parent(nullptr, object->get_obj_container_tag(), object->get_member_tag(), nullptr);
-    }
-    copy->set_parent_ptr(nullptr, nullptr);
-    std::vector<int> children;
-    for (ZBDBObject* other : m_object)
-        if (other->get_parent_id() == id && !other->is_deleted())
-            children.push_back(other->get_id());
-    for (int childId : children) {
-        ZBDBObject* childCopy = nullptr;
-        if (iszbwarn(extract_tree(childId, childCopy))) {
-            delete copy;
-            object->revert();
-            return zbpass(ZBLOC);
+
+    // The subtree, breadth first, each with the position of its parent; an
+    // object seen twice (a cycle in a damaged file) is taken once.
+    std::vector<ZBDBObject*> tree{root};
+    std::vector<int> parentAt{-1};
+    std::vector<char> seen(size_t(maxId) + 1, 0);
+    if (id >= 0)
+        seen[size_t(id)] = 1;
+    for (size_t at = 0; at < tree.size(); ++at) {
+        const int objectId = tree[at]->get_id();
+        if (objectId < 0)
+            continue;
+        for (int i = first[size_t(objectId)]; i < first[size_t(objectId) + 1]; ++i) {
+            ZBDBObject* child = children[size_t(i)];
+            if (child->get_id() >= 0 && seen[size_t(child->get_id())]++)
+                continue;
+            tree.push_back(child);
+            parentAt.push_back(int(at));
         }
-        copy->add_managed_child(childCopy);
     }
-    if (ZBDBObject* parent = get_object_by_id(object->get_parent_id()))
+
+    // Nothing is changed while any of them is being edited elsewhere.
+    for (ZBDBObject* object : tree)
+        if (object->is_locked())
+            return object->delete_locked(-1);
+
+    if (out) {
+        std::vector<ZBDBObject*> copies(tree.size(), nullptr);
+        for (size_t i = 0; i < tree.size(); ++i) {
+            ZBDBObject* copy = dynamic_cast<ZBDBObject*>(tree[i]->clone_class());
+            if (!copy) {
+                delete copies[0];
+                return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not duplicate this object.");
+            }
+            // A copy is detached: no parent, and clearing it is not a change of anyone's.
+            if (copy->get_parent_id() >= 0) {
+                copy->set_systemchange();
+                copy->set_parent(nullptr, tree[i]->get_obj_container_tag(), tree[i]->get_member_tag(), nullptr);
+            }
+            copy->set_parent_ptr(nullptr, nullptr);
+            copies[i] = copy;
+            if (i > 0)
+                copies[size_t(parentAt[i])]->add_managed_child(copy);
+        }
+        *out = copies[0];
+    }
+
+    if (ZBDBObject* parent = get_object_by_id(root->get_parent_id()))
         parent->mark_changed(ZBLOC, true);
     mark_changed(ZBLOC, true);
-    object->set_state(ZBDBObject::E_Deleted);
-    mark_db_structure_change(*object);
-    int result = object->commit();
-    if (iszbwarn(result)) {
-        delete copy;
-        return zbpass(ZBLOC);
-    }
-    out = copy;
+    for (ZBDBObject* object : tree)
+        if (iszbwarn(object->delete_locked(-1))) {
+            if (out) {
+                delete *out;
+                *out = nullptr;
+            }
+            return zbpass(ZBLOC);
+        }
+    mark_db_structure_change(*root);
     return ZBErrC_ok;
 }
 
 int ZBDatabase::delete_object(int id, const std::string& operation)
 {
-    ZBDBObject* copy = nullptr;
-    int result = extract_object(id, copy, false);
-    delete copy;
+    int result = extract_tree(id, nullptr);
     if (iszbwarn(result))
         return zbpass(ZBLOC);
     resolve_containers();
+    update_vars(-1, true);
     return complete_operation(operation);
 }
 
@@ -864,20 +1037,59 @@ int ZBDatabase::resolve_containers()
     clear_containers();
     for (ZBDBObject* object : m_object)
         object->clear_containers();
+    // An object is in the tree when its chain of parents reaches the top; one
+    // whose chain meets a missing or deleted object, or runs round in a
+    // circle, is an orphan. Each object's answer is worked out once.
+    enum : char { E_Unknown, E_Visiting, E_InTree, E_Orphan };
+    std::unordered_map<const ZBDBObject*, char> place;
+    place.reserve(size_t(m_object.size()));
+    std::vector<ZBDBObject*> chain;
+    auto in_tree = [&](ZBDBObject* start) {
+        chain.clear();
+        char answer = E_Orphan;
+        for (ZBDBObject* object = start;;) {
+            char& known = place[object];
+            if (known == E_InTree || known == E_Orphan) {
+                answer = known;
+                break;
+            }
+            if (known == E_Visiting)
+                break; // a circle of parents
+            if (object->is_deleted())
+                break;
+            const int parentId = object->get_parent_id();
+            ZBDBObject* parent = parentId < 0 ? nullptr : get_object_by_id(parentId);
+            if (parentId < 0 || parent == this) {
+                answer = E_InTree;
+                break;
+            }
+            if (!parent)
+                break;
+            known = E_Visiting;
+            chain.push_back(object);
+            object = parent;
+        }
+        for (ZBDBObject* object : chain)
+            place[object] = answer;
+        return answer == E_InTree;
+    };
     for (ZBDBObject* object : m_object) {
         const int parentId = object->get_parent_id();
         if (parentId < 0 || object->is_deleted()) {
             object->set_parent_ptr(nullptr, this);
             continue;
         }
-        ZBDBObject* parent = get_object_by_id(parentId);
-        if (!parent || parent->is_deleted()) {
-            // An orphan is dropped from the tree, as if deleted.
-            object->set_systemchange();
+        if (!in_tree(object)) {
+            // An orphan, and every object below it, leaves the tree as a
+            // deleted object with a fresh modify time: it stays in the file as
+            // a tombstone for the week that other copies need to see it go,
+            // rather than vanishing at the first save because its own times
+            // were old.
             object->set_state(ZBDBObject::E_Deleted);
             object->set_parent_ptr(nullptr, this);
             continue;
         }
+        ZBDBObject* parent = get_object_by_id(parentId);
         if (ZBDBContainerBase* container = parent->get_or_make_container(object->get_obj_container_tag()))
             container->add_object(object);
         if (ZBDBContainerBase* members = parent->get_or_make_container(C_DatabaseAllTag + object->get_member_tag()))
@@ -1033,8 +1245,10 @@ int ZBDatabase::add_objectspec(ZBObjectSpec* spec, const std::string& operation)
         return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "A spec named %s already exists.", name.c_str());
     }
     int result = add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
-    if (iszbwarn(result))
+    if (iszbwarn(result)) {
+        delete spec;
         return zbpass(ZBLOC);
+    }
     result = parse_objectspec(*spec);
     if (!operation.empty())
         complete_operation(operation);
@@ -1062,7 +1276,10 @@ int ZBDatabase::set_spec_source(const std::string& name, const std::string& text
                                   "The \"%s\" spec name is invalid - It should only contain letters, numbers or the \"_\" character",
                                   name.c_str());
             }
-            return add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
+            int result = add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
+            if (iszbwarn(result))
+                delete spec;
+            return result;
         }
         int result = add_objectspec(spec);
         if (iszbwarn(result))
@@ -1190,18 +1407,18 @@ int ZBDatabase::create_default_spec()
 {
     const std::string tail = std::string(C_DefaultChildName) + "] = ${" + C_DefaultSpecName + "}[];\n";
     if (!get_objectspec_by_name(C_DefaultSpecName)) {
-        int result = add_object(new ZBObjectSpec(C_DefaultSpecName,
-                                                 "# Default objects can also have default objects as children\n$[" + tail),
-                                this, C_SpecTag, std::string(), -1, std::string());
-        if (iszbwarn(result))
+        std::unique_ptr<ZBObjectSpec> spec(
+            new ZBObjectSpec(C_DefaultSpecName, "# Default objects can also have default objects as children\n$[" + tail));
+        if (iszbwarn(add_object(spec.get(), this, C_SpecTag, std::string(), -1, std::string())))
             return zbpass(ZBLOC);
+        spec.release();
     }
     if (!get_objectspec_by_name(C_TopLevelSpecName)) {
-        int result = add_object(new ZBObjectSpec(C_TopLevelSpecName,
-                                                 "# Allow Default objects at the top level of the database\n$[" + tail),
-                                this, C_SpecTag, std::string(), -1, std::string());
-        if (iszbwarn(result))
+        std::unique_ptr<ZBObjectSpec> spec(
+            new ZBObjectSpec(C_TopLevelSpecName, "# Allow Default objects at the top level of the database\n$[" + tail));
+        if (iszbwarn(add_object(spec.get(), this, C_SpecTag, std::string(), -1, std::string())))
             return zbpass(ZBLOC);
+        spec.release();
     }
     return parse_objectspecs(true);
 }
@@ -1492,8 +1709,10 @@ int ZBDatabase::import_specs(std::istream& in, const std::string& fileName, std:
         if (!spec) {
             spec = new ZBObjectSpec(definition.name, definition.text);
             int result = add_object(spec, this, C_SpecTag, std::string(), -1, std::string());
-            if (iszbwarn(result))
+            if (iszbwarn(result)) {
+                delete spec;
                 return zbpass(ZBLOC);
+            }
         } else {
             spec->set_text(definition.text);
             spec->mark_changed(ZBLOC, true);

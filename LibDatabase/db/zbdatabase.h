@@ -110,7 +110,8 @@ public:
     const std::string& get_comment() const { return m_comment; }
     void set_comment(const std::string& comment) { m_comment = comment; }
 
-    // Objects.
+    // Objects. add_object takes the object only when it succeeds (a result
+    // that is not a warning): refused, the object is still the caller's to free.
     int add_object(ZBDBObject* object, ZBDBObject* parent, const std::string& containerTag,
                    const std::string& memberTag, int specId, const std::string& operation, int id = -1);
     int delete_object(int id, const std::string& operation);
@@ -203,17 +204,35 @@ public:
 
     // Where intermediate files of a data file go; a stand-in until the saving machinery.
     static std::string get_cache_name(const std::string& name, bool create);
+    // A new name for the copy of a data file kept before its data is upgraded
+    // from version: never one already in use, and distinct for files of the
+    // same name in different folders.
+    static std::string version_copy_name(const std::string& name, int version);
 
 protected:
-    // Takes an object and its live descendants out of the tree as deleted,
-    // returning a detached copy that carries copies of the descendants.
-    int extract_tree(int id, ZBDBObject*& out);
+    // Takes an object and its live descendants out of the tree as deleted, all
+    // or none of them: a locked one refuses the whole. With out, also gives a
+    // detached copy that carries copies of the descendants; a plain delete
+    // passes null and pays for no copy. Costs one pass over the ids plus the
+    // subtree, however deep or wide.
+    int extract_tree(int id, ZBDBObject** out);
     // Writes "O:" objects; since 0 is a full write, where old tombstones are left out.
     int write_objects(std::ostream& out, long since, int version);
     int clean_intermediate(bool keepPartial, bool forceClean);
+    // Reads one "O:" record's entries and then the object; refuses a damaged
+    // id. lineNo counts the lines of the file.
+    static int read_record(ZBObject& object, std::istream& in, int version, int& lineNo);
+    // Puts an object (checked already) and the children it carries into the tree.
+    void take_object(ZBDBObject* object, ZBDBObject* parent, ZBDBContainerBase* container,
+                     const std::string& containerTag, const std::string& memberTag, int specId, int id);
 
 private:
     ZBPtrArrayIndex<ZBDBObject, int> m_object;
+    // Lines at the top of the file that are not objects (from a newer
+    // program), written back after the version field.
+    ZBPtrArray<ZBSerialisationEntry> m_headEntry;
+    // Set when the file was upgraded: its writes drop unhandled data.
+    bool m_purgeUnhandled = false;
     // Typed by the classes that will fill them; until those exist they hold plain objects.
     ZBDBContainer<ZBObjectSpec> m_objectSpec;
     // Specs under parse, to find inheritance cycles.

@@ -17,7 +17,81 @@ namespace Tervalon {
 
 namespace {
 ZBObjectPreReg g_register("ZBDBObject", &ZBDBObject::create_zbobject);
+
+// Managed children keep their own class when an object is copied.
+void clone_children(const ZBPtrArray<ZBDBObject>& from, ZBPtrArray<ZBDBObject>& to)
+{
+    to.clear();
+    to.reserve(from.size());
+    for (const ZBDBObject* child : from)
+        if (ZBDBObject* copy = child ? dynamic_cast<ZBDBObject*>(child->clone_class()) : nullptr)
+            to.push_back(copy);
 }
+} // namespace
+
+struct ZBDBObject::Node {
+    Node() : m_createTime(ZBDate::E_Blank), m_modifyTime(ZBDate::E_Blank) {}
+
+    // Stored.
+    std::string m_containerTag;
+    std::string m_memberTag;
+    ZBDate m_createTime;
+    ZBDate m_modifyTime;
+    int m_createID = -1;
+    ZBPtrArray<std::string> m_variable;
+    ZBPtrArray<ZBVariable> m_vars;
+
+    // Not stored.
+    ZBDBObject* m_parent = nullptr;
+    ZBDatabase* m_database = nullptr;
+    // Non-owning: a class's own containers are its members, the rest are in m_ownContainers.
+    std::vector<ZBDBContainerBase*> m_containers;
+    std::vector<std::unique_ptr<ZBDBContainerBase>> m_ownContainers;
+
+    // The stored members back to their defaults; the place in the tree stays.
+    void clear_stored()
+    {
+        m_containerTag.clear();
+        m_memberTag.clear();
+        m_createTime = ZBDate(ZBDate::E_Blank);
+        m_modifyTime = ZBDate(ZBDate::E_Blank);
+        m_createID = -1;
+        m_variable.clear();
+        m_vars.clear();
+    }
+    void copy_stored(const Node& other)
+    {
+        m_containerTag = other.m_containerTag;
+        m_memberTag = other.m_memberTag;
+        m_createTime = other.m_createTime;
+        m_modifyTime = other.m_modifyTime;
+        m_createID = other.m_createID;
+        m_variable = other.m_variable;
+        m_vars = other.m_vars;
+    }
+};
+
+struct ZBDBObject::Extra {
+    // Stored.
+    std::vector<ZBDBObjectLink> m_link;
+    ZBPtrArray<ZBDBObject> m_child;
+    ZBPtrArray<ZBDBScript> m_script;
+
+    // Not stored.
+    std::unique_ptr<ZBDBObject> m_backup;
+    bool m_created = false;
+    std::string m_modifyLoc;
+    int m_alertState = 0;
+
+    void copy_stored(const Extra& other)
+    {
+        m_link = other.m_link;
+        clone_children(other.m_child, m_child);
+        m_script = other.m_script;
+        m_modifyLoc = other.m_modifyLoc;
+        m_alertState = other.m_alertState;
+    }
+};
 
 const char* const ZBDBObject::C_Trigger = "on_";
 const char* const ZBDBObject::C_CreateTrigger = "create";
@@ -26,9 +100,8 @@ const char* const ZBDBObject::C_RecalculateTrigger = "recalculate";
 const char* const ZBDBObject::C_StartupTrigger = "startup";
 
 ZBDBObject::ZBDBObject()
-    : m_id(-1), m_state(E_Normal), m_parentId(-1), m_specId(-1), m_createTime(ZBDate::E_Blank), m_createID(-1),
-      m_modifyTime(ZBDate::E_Blank), m_backup(nullptr), m_created(false), m_containers(false), m_parent(nullptr),
-      m_database(nullptr), m_objectSerialised(false), m_triggerUpdateVars(false), m_alertState(0), m_systemChange(false), m_varsChanged(false)
+    : m_id(-1), m_parentId(-1), m_specId(-1), m_state(E_Normal), m_objectSerialised(false), m_triggerUpdateVars(false),
+      m_systemChange(false), m_varsChanged(false)
 {
     ZBDBObject::register_zbobject();
 }
@@ -36,19 +109,62 @@ ZBDBObject::ZBDBObject()
 // A copy is a detached object: same stored members, no parent pointer, no
 // database, no containers until it is placed in a database, no lock and no backup.
 ZBDBObject::ZBDBObject(const ZBDBObject& other)
-    : ZBObject(other), ZBUpdateCounter(other), ZBLockable(), m_id(other.m_id), m_state(other.m_state), m_parentId(other.m_parentId),
-      m_containerTag(other.m_containerTag), m_memberTag(other.m_memberTag), m_link(other.m_link),
-      m_specId(other.m_specId), m_variable(other.m_variable), m_vars(other.m_vars), m_createTime(other.m_createTime),
-      m_createID(other.m_createID), m_modifyTime(other.m_modifyTime), m_child(other.m_child), m_script(other.m_script),
-      m_backup(nullptr), m_created(false), m_containers(false), m_parent(nullptr), m_database(nullptr),
-      m_objectSerialised(other.m_objectSerialised), m_triggerUpdateVars(other.m_triggerUpdateVars), m_modifyLoc(other.m_modifyLoc), m_alertState(other.m_alertState), m_systemChange(false), m_varsChanged(other.m_varsChanged)
+    : ZBObject(other), ZBUpdateCounter(other), ZBLockable(), m_id(other.m_id), m_parentId(other.m_parentId),
+      m_specId(other.m_specId), m_state(other.m_state), m_objectSerialised(other.m_objectSerialised),
+      m_triggerUpdateVars(other.m_triggerUpdateVars), m_systemChange(false), m_varsChanged(other.m_varsChanged)
 {
+    copy_stored(other);
     ZBDBObject::register_zbobject();
 }
 
-ZBDBObject::~ZBDBObject()
+ZBDBObject::~ZBDBObject() = default;
+
+ZBDBObject::Node& ZBDBObject::node()
 {
-    delete m_backup;
+    if (!m_node)
+        m_node.reset(new Node());
+    return *m_node;
+}
+
+ZBDBObject::Extra& ZBDBObject::extra()
+{
+    if (!m_extra)
+        m_extra.reset(new Extra());
+    return *m_extra;
+}
+
+const ZBDBObject::Node& ZBDBObject::blank_node()
+{
+    static const Node blank;
+    return blank;
+}
+
+const ZBDBObject::Extra& ZBDBObject::blank_extra()
+{
+    static const Extra blank;
+    return blank;
+}
+
+const ZBDBObject::Node& ZBDBObject::node_or_blank() const
+{
+    return m_node ? *m_node : blank_node();
+}
+
+const ZBDBObject::Extra& ZBDBObject::extra_or_blank() const
+{
+    return m_extra ? *m_extra : blank_extra();
+}
+
+void ZBDBObject::copy_stored(const ZBDBObject& other)
+{
+    if (other.m_node)
+        node().copy_stored(*other.m_node);
+    else if (m_node)
+        m_node->clear_stored();
+    if (other.m_extra)
+        extra().copy_stored(*other.m_extra);
+    else if (m_extra)
+        m_extra->copy_stored(blank_extra());
 }
 
 // Assignment copies the stored state only: the lock, the backup, the place in
@@ -62,21 +178,10 @@ ZBDBObject& ZBDBObject::operator=(const ZBDBObject& other)
     m_id = other.m_id;
     m_state = other.m_state;
     m_parentId = other.m_parentId;
-    m_containerTag = other.m_containerTag;
-    m_memberTag = other.m_memberTag;
-    m_link = other.m_link;
     m_specId = other.m_specId;
-    m_variable = other.m_variable;
-    m_vars = other.m_vars;
     m_varsChanged = other.m_varsChanged;
-    m_createTime = other.m_createTime;
-    m_createID = other.m_createID;
-    m_modifyTime = other.m_modifyTime;
-    m_child = other.m_child;
-    m_script = other.m_script;
     m_objectSerialised = other.m_objectSerialised;
-    m_modifyLoc = other.m_modifyLoc;
-    m_alertState = other.m_alertState;
+    copy_stored(other);
     return *this;
 }
 
@@ -86,32 +191,38 @@ bool same_vars(const ZBDBObject& a, const ZBDBObject& b);
 
 bool ZBDBObject::operator==(const ZBDBObject& other) const
 {
+    const Node& a = node_or_blank();
+    const Node& b = other.node_or_blank();
+    const Extra& x = extra_or_blank();
+    const Extra& y = other.extra_or_blank();
     return m_id == other.m_id && m_state == other.m_state && m_parentId == other.m_parentId
-        && m_containerTag == other.m_containerTag && m_memberTag == other.m_memberTag && m_link == other.m_link
-        && m_specId == other.m_specId && same_vars(*this, other) && m_createTime == other.m_createTime
-        && m_createID == other.m_createID && m_modifyTime == other.m_modifyTime && m_child == other.m_child
-        && m_script == other.m_script && ZBObject::operator==(other);
+        && a.m_containerTag == b.m_containerTag && a.m_memberTag == b.m_memberTag && x.m_link == y.m_link
+        && m_specId == other.m_specId && same_vars(*this, other) && a.m_createTime == b.m_createTime
+        && a.m_createID == b.m_createID && a.m_modifyTime == b.m_modifyTime && x.m_child == y.m_child
+        && x.m_script == y.m_script && ZBObject::operator==(other);
 }
 
 void ZBDBObject::dump(std::ostream& out, int indent) const
 {
+    const Node& n = node_or_blank();
+    const Extra& x = extra_or_blank();
     ZBDump dump("ZBDBObject", out, indent);
     dump.add("m_id", m_id);
     dump.add("m_state", m_state);
     dump.add("m_parentId", m_parentId);
-    dump.add_entry("m_containerTag", m_containerTag);
-    dump.add_entry("m_memberTag", m_memberTag);
-    for (size_t i = 0; i < m_link.size(); ++i)
-        dump.add("m_link", m_link[i], int(i));
+    dump.add_entry("m_containerTag", n.m_containerTag);
+    dump.add_entry("m_memberTag", n.m_memberTag);
+    for (size_t i = 0; i < x.m_link.size(); ++i)
+        dump.add("m_link", x.m_link[i], int(i));
     dump.add("m_specId", m_specId);
-    for (int i = 0; i < m_variable.size(); ++i)
-        dump.add_entry("m_variable", *m_variable[i], i);
-    dump.add_entry("m_createTime", m_createTime.to_iso());
-    dump.add("m_createID", m_createID);
-    dump.add_entry("m_modifyTime", m_modifyTime.to_iso());
-    dump.add("m_child", m_child.size());
-    dump.add("m_script", m_script.size());
-    dump.add_entry("m_modifyLoc", m_modifyLoc);
+    for (int i = 0; i < n.m_variable.size(); ++i)
+        dump.add_entry("m_variable", *n.m_variable[i], i);
+    dump.add_entry("m_createTime", n.m_createTime.to_iso());
+    dump.add("m_createID", n.m_createID);
+    dump.add_entry("m_modifyTime", n.m_modifyTime.to_iso());
+    dump.add("m_child", x.m_child.size());
+    dump.add("m_script", x.m_script.size());
+    dump.add_entry("m_modifyLoc", x.m_modifyLoc);
     dump.add("m_lastUpdate", get_last_update());
     dump.write_heading("Base Class");
     dump.write();
@@ -120,64 +231,86 @@ void ZBDBObject::dump(std::ostream& out, int indent) const
 
 int ZBDBObject::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
 {
+    // Writing an object that never had a place in a database uses the defaults
+    // without making room for them.
+    Node blank;
+    Node& n = (in || m_node) ? node() : blank;
     serialise_field<int>(in, out, prefix, "I", m_id, -1, true);
     serialise_field<char>(in, out, prefix, "S", m_state, char(E_Normal));
     bool oldFlag = false;
     serialise_field<bool>(in, out, prefix, "E", oldFlag, false);
     serialise_field<int>(in, out, prefix, "P", m_parentId, -1);
-    serialise_string(in, out, prefix, "C", m_containerTag, true);
-    serialise_string(in, out, prefix, "M", m_memberTag, true);
-    ZBSrlValueVector<ZBDBObjectLink> links(m_link);
-    serialise_value(in, out, prefix, "L", links);
+    serialise_string(in, out, prefix, "C", n.m_containerTag, true);
+    serialise_string(in, out, prefix, "M", n.m_memberTag, true);
+    {
+        std::vector<ZBDBObjectLink> read;
+        std::vector<ZBDBObjectLink>& links = (in || !m_extra) ? read : m_extra->m_link;
+        ZBSrlValueVector<ZBDBObjectLink> binder(links);
+        serialise_value(in, out, prefix, "L", binder);
+        if (in && (m_extra || !read.empty()))
+            extra().m_link = std::move(read);
+    }
     serialise_field<int>(in, out, prefix, "O", m_specId, -1);
-    if (out && (!m_vars.empty() || m_varsChanged)) {
+    if (out && (!n.m_vars.empty() || m_varsChanged)) {
         std::vector<std::string> stored;
         stored_vars(stored);
-        m_variable.clear();
+        n.m_variable.clear();
         for (const std::string& text : stored)
-            m_variable.push_back(new std::string(text));
+            n.m_variable.push_back(new std::string(text));
         m_varsChanged = false;
     }
-    serialise_string_array(in, out, prefix, "V", m_variable);
-    if (in && (!m_vars.empty() || !m_variable.empty())) {
+    serialise_string_array(in, out, prefix, "V", n.m_variable);
+    if (in && (!n.m_vars.empty() || !n.m_variable.empty())) {
         // Read over a live object (a revert, a replayed change): values at
         // their default were not written, so they go back to the spec's text.
-        for (int i = m_vars.size() - 1; i >= 0; --i) {
-            if (m_vars[i]->get_spec())
-                m_vars[i]->clone_spec();
+        for (int i = n.m_vars.size() - 1; i >= 0; --i) {
+            if (n.m_vars[i]->get_spec())
+                n.m_vars[i]->clone_spec();
             else
-                m_vars.remove(i);
+                n.m_vars.remove(i);
         }
-        for (const std::string* text : m_variable)
+        for (const std::string* text : n.m_variable)
             var_from_string(*text);
         m_varsChanged = false;
         trigger_update_vars();
     }
-    const ZBDate blank(ZBDate::E_Blank);
-    serialise_field<ZBDate>(in, out, prefix, "CT", m_createTime, blank);
-    serialise_field<int>(in, out, prefix, "CI", m_createID, -1);
-    if (in || m_modifyTime != m_createTime)
-        serialise_field<ZBDate>(in, out, prefix, "MT", m_modifyTime, blank);
-    ZBSrlObjectArray<ZBDBObject> children(m_child, version);
-    int result = serialise_object(in, out, prefix, "MC", children);
-    if (iszberr(result))
-        return zbpass(ZBLOC);
-    ZBSrlObjectArray<ZBDBScript> scripts(m_script, version);
-    result = serialise_object(in, out, prefix, "SC", scripts);
-    if (iszberr(result))
-        return zbpass(ZBLOC);
+    const ZBDate blankDate(ZBDate::E_Blank);
+    serialise_field<ZBDate>(in, out, prefix, "CT", n.m_createTime, blankDate);
+    serialise_field<int>(in, out, prefix, "CI", n.m_createID, -1);
+    if (in || n.m_modifyTime != n.m_createTime)
+        serialise_field<ZBDate>(in, out, prefix, "MT", n.m_modifyTime, blankDate);
+    {
+        ZBPtrArray<ZBDBObject> read;
+        ZBPtrArray<ZBDBObject>& children = (in || !m_extra) ? read : m_extra->m_child;
+        ZBSrlObjectArray<ZBDBObject> binder(children, version);
+        int result = serialise_object(in, out, prefix, "MC", binder);
+        if (in && (m_extra || !read.empty()))
+            extra().m_child = std::move(read);
+        if (iszberr(result))
+            return zbpass(ZBLOC);
+    }
+    {
+        ZBPtrArray<ZBDBScript> read;
+        ZBPtrArray<ZBDBScript>& scripts = (in || !m_extra) ? read : m_extra->m_script;
+        ZBSrlObjectArray<ZBDBScript> binder(scripts, version);
+        int result = serialise_object(in, out, prefix, "SC", binder);
+        if (in && (m_extra || !read.empty()))
+            extra().m_script = std::move(read);
+        if (iszberr(result))
+            return zbpass(ZBLOC);
+    }
     if (in) {
         if (m_state != E_Normal && m_state != E_Deleted)
             m_state = E_Normal;
         if (m_parentId == m_id)
             m_parentId = -1;
-        if (!m_modifyTime.is_ok())
-            m_modifyTime = m_createTime;
+        if (!n.m_modifyTime.is_ok())
+            n.m_modifyTime = n.m_createTime;
         m_objectSerialised = true;
     }
-    if (!m_modifyLoc.empty() && m_modifyTime.is_ok()
-        && ZBDateUtils::now() - m_modifyTime > ZBDuration(0, ZBDate::C_DaySecs, 0))
-        m_modifyLoc.clear();
+    if (m_extra && !m_extra->m_modifyLoc.empty() && n.m_modifyTime.is_ok()
+        && ZBDateUtils::now() - n.m_modifyTime > ZBDuration(0, ZBDate::C_DaySecs, 0))
+        m_extra->m_modifyLoc.clear();
     return ZBObject::serialise(in, out, prefix, version);
 }
 
@@ -216,15 +349,146 @@ int ZBDBObject::set_sysvalue(const std::string& tag, const std::string&, const s
     return set_sysvalue(tag, value);
 }
 
+// ---------------------------------------------------------------- members
+
+bool ZBDBObject::get_created() const
+{
+    return m_extra && m_extra->m_created;
+}
+
+const ZBDBObject* ZBDBObject::get_backup() const
+{
+    return m_extra ? m_extra->m_backup.get() : nullptr;
+}
+
+ZBDBObject* ZBDBObject::get_parent() const
+{
+    return m_node ? m_node->m_parent : nullptr;
+}
+
+ZBDatabase* ZBDBObject::get_database() const
+{
+    return m_node ? m_node->m_database : nullptr;
+}
+
+const std::string& ZBDBObject::get_obj_container_tag() const
+{
+    return node_or_blank().m_containerTag;
+}
+
+const std::string& ZBDBObject::get_member_tag() const
+{
+    return node_or_blank().m_memberTag;
+}
+
+const ZBDate& ZBDBObject::get_create_time() const
+{
+    return node_or_blank().m_createTime;
+}
+
+const ZBDate& ZBDBObject::get_modify_time() const
+{
+    return node_or_blank().m_modifyTime;
+}
+
+int ZBDBObject::get_create_id() const
+{
+    return node_or_blank().m_createID;
+}
+
+int ZBDBObject::get_alert_state() const
+{
+    return extra_or_blank().m_alertState;
+}
+
+void ZBDBObject::set_alert_state(int state)
+{
+    if (m_extra || state != 0)
+        extra().m_alertState = state;
+}
+
+const std::string& ZBDBObject::get_change_loc() const
+{
+    return extra_or_blank().m_modifyLoc;
+}
+
+void ZBDBObject::set_create_time(const ZBDate& date)
+{
+    node().m_createTime = date;
+}
+
+void ZBDBObject::set_modify_time(const ZBDate& date)
+{
+    node().m_modifyTime = date;
+}
+
+const std::vector<ZBDBObjectLink>& ZBDBObject::get_all_links() const
+{
+    return extra_or_blank().m_link;
+}
+
+ZBPtrArray<std::string>& ZBDBObject::get_variable_text()
+{
+    return node().m_variable;
+}
+
+const ZBPtrArray<std::string>& ZBDBObject::get_variable_text() const
+{
+    return node_or_blank().m_variable;
+}
+
+ZBVariable* ZBDBObject::get_var_by_index(int index) const
+{
+    return node_or_blank().m_vars.at(index);
+}
+
+int ZBDBObject::get_nmanaged_children() const
+{
+    return extra_or_blank().m_child.size();
+}
+
+int ZBDBObject::get_nscripts() const
+{
+    return extra_or_blank().m_script.size();
+}
+
+ZBDBScript* ZBDBObject::get_script_no(int index) const
+{
+    return extra_or_blank().m_script.at(index);
+}
+
+void ZBDBObject::clear_scripts()
+{
+    if (m_extra)
+        m_extra->m_script.clear();
+}
+
+int ZBDBObject::get_ncontainers() const
+{
+    return int(node_or_blank().m_containers.size());
+}
+
+ZBDBContainerBase* ZBDBObject::get_container_no(int index) const
+{
+    const std::vector<ZBDBContainerBase*>& containers = node_or_blank().m_containers;
+    if (index < 0 || index >= int(containers.size())) {
+        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, int(containers.size()));
+        return nullptr;
+    }
+    return containers[size_t(index)];
+}
+
+// ---------------------------------------------------------------- editing
+
 int ZBDBObject::edit(int lockId, bool created)
 {
     int result = lock(lockId);
     if (iszbwarn(result))
         return zbpass(ZBLOC);
-    m_created = created;
-    delete m_backup;
-    m_backup = dynamic_cast<ZBDBObject*>(clone_class());
-    if (!m_backup) {
+    Extra& x = extra();
+    x.m_created = created;
+    x.m_backup.reset(dynamic_cast<ZBDBObject*>(clone_class()));
+    if (!x.m_backup) {
         unlock();
         return zberror(ZBErrC_DynamicCast, ZBLOC, "Could not duplicate this object.");
     }
@@ -235,17 +499,16 @@ int ZBDBObject::commit()
 {
     if (!is_locked())
         return zberror(ZBLockable::ZBErrC_ObjectNotLocked, ZBLOC, "The object %d was not locked.", m_id);
-    if (!m_backup)
+    if (!get_backup())
         return zberror(ZBErrC_NullPointer, ZBLOC, "The object %d was not backed up.", m_id);
-    delete m_backup;
-    m_backup = nullptr;
+    m_extra->m_backup.reset();
     // Prompt variables count as answered from here on.
-    for (ZBVariable* variable : m_vars)
+    for (ZBVariable* variable : node_or_blank().m_vars)
         if (variable->is_prompt())
             variable->mark_initialised();
     unlock();
     mark_changed(ZBLOC, true);
-    m_created = false;
+    m_extra->m_created = false;
     return ZBErrC_ok;
 }
 
@@ -253,25 +516,36 @@ int ZBDBObject::revert()
 {
     if (!is_locked())
         return zberror(ZBLockable::ZBErrC_ObjectNotLocked, ZBLOC, "The object %d was not locked.", m_id);
-    if (!m_backup)
+    if (!get_backup())
         return zberror(ZBErrC_NullPointer, ZBLOC, "The object %d was not backed up.", m_id);
-    const int version = m_database ? m_database->get_app_file_version() : 0;
+    const int version = get_database() ? get_database()->get_app_file_version() : 0;
     const int id = m_id;
     const long lastUpdate = get_last_update();
-    int result = derived_assign(*m_backup, version);
+    // Held apart while it is read back: the read may touch this object's extras.
+    std::unique_ptr<ZBDBObject> backup = std::move(m_extra->m_backup);
+    int result = derived_assign(*backup, version);
     m_id = id;
     restore_update(lastUpdate);
-    for (ZBVariable* variable : m_vars)
+    for (ZBVariable* variable : node_or_blank().m_vars)
         if (variable->get_spec()) {
             update_vars();
             break;
         }
-    delete m_backup;
-    m_backup = nullptr;
+    backup.reset();
     unlock();
-    m_created = false;
+    extra().m_created = false;
     if (iszbwarn(result))
         return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int ZBDBObject::delete_locked(int lockId)
+{
+    int result = lock(lockId);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    set_state(E_Deleted);
+    unlock();
     return ZBErrC_ok;
 }
 
@@ -279,15 +553,16 @@ int ZBDBObject::remap_id(int from, int to)
 {
     if (m_parentId == from)
         m_parentId = to;
-    for (ZBDBObjectLink& link : m_link)
-        if (link.m_id.m_id == from)
-            link.m_id.m_id = to;
+    if (m_extra)
+        for (ZBDBObjectLink& link : m_extra->m_link)
+            if (link.m_id.m_id == from)
+                link.m_id.m_id = to;
     return ZBErrC_ok;
 }
 
 std::string ZBDBObject::get_container_tag() const
 {
-    return m_containerTag;
+    return get_obj_container_tag();
 }
 
 ZBDBObject* ZBDBObject::get_child_by_mtag(const std::string& tag) const
@@ -309,8 +584,8 @@ std::string ZBDBObject::get_summary() const
 
 void ZBDBObject::mark_structure_change()
 {
-    if (m_database)
-        m_database->mark_db_structure_change(*this);
+    if (ZBDatabase* db = get_database())
+        db->mark_db_structure_change(*this);
 }
 
 void ZBDBObject::mark_changed(const std::string& location, bool updateTime)
@@ -320,24 +595,26 @@ void ZBDBObject::mark_changed(const std::string& location, bool updateTime)
         return;
     }
     if (updateTime)
-        m_modifyTime = ZBDateUtils::now() + ZBDuration(1);
-    m_modifyLoc = location;
+        node().m_modifyTime = ZBDateUtils::now() + ZBDuration(1);
+    if (m_extra || !location.empty())
+        extra().m_modifyLoc = location;
     if (m_id >= 0)
         mark_update();
 }
 
 void ZBDBObject::set_id(int id, const ZBDate& created, bool isNew)
 {
+    Node& n = node();
     if (isNew) {
-        m_createID = -1;
+        n.m_createID = -1;
     } else {
         if (id == m_id)
             return;
-        if (m_createID < 0 && m_id >= 0)
-            m_createID = m_id;
+        if (n.m_createID < 0 && m_id >= 0)
+            n.m_createID = m_id;
     }
     m_id = id;
-    m_createTime = created;
+    n.m_createTime = created;
     mark_changed(ZBLOC, true);
 }
 
@@ -351,13 +628,14 @@ void ZBDBObject::set_state(E_ObjectState state)
 
 void ZBDBObject::set_parent(ZBDBObject* parent, const std::string& containerTag, const std::string& memberTag, ZBDatabase* db)
 {
+    Node& n = node();
     int parentId = parent ? parent->get_id() : -1;
-    bool changed = parentId != m_parentId || containerTag != m_containerTag || memberTag != m_memberTag;
+    bool changed = parentId != m_parentId || containerTag != n.m_containerTag || memberTag != n.m_memberTag;
     m_parentId = parentId;
-    m_parent = parent;
-    m_containerTag = containerTag;
-    m_memberTag = memberTag;
-    m_database = db;
+    n.m_parent = parent;
+    n.m_containerTag = containerTag;
+    n.m_memberTag = memberTag;
+    n.m_database = db;
     if (changed) {
         mark_structure_change();
         mark_changed(ZBLOC, true);
@@ -366,23 +644,30 @@ void ZBDBObject::set_parent(ZBDBObject* parent, const std::string& containerTag,
 
 void ZBDBObject::set_parent_ptr(ZBDBObject* parent, ZBDatabase* db)
 {
-    m_parent = parent;
-    m_database = db;
+    if (!m_node && !parent && !db)
+        return;
+    Node& n = node();
+    n.m_parent = parent;
+    n.m_database = db;
 }
 
 void ZBDBObject::add_link(int id, const std::string& type)
 {
     ZBDBObjectLink link(ZBId(id), type);
-    if (std::find(m_link.begin(), m_link.end(), link) != m_link.end())
+    std::vector<ZBDBObjectLink>& links = extra().m_link;
+    if (std::find(links.begin(), links.end(), link) != links.end())
         return;
-    m_link.push_back(link);
+    links.push_back(link);
 }
 
 int ZBDBObject::remove_link(int id, const std::string& type, bool all)
 {
-    for (size_t i = 0; i < m_link.size();) {
-        if (m_link[i].m_id.m_id == id && m_link[i].m_type == type) {
-            m_link.erase(m_link.begin() + long(i));
+    if (!m_extra)
+        return ZBErrC_ok;
+    std::vector<ZBDBObjectLink>& links = m_extra->m_link;
+    for (size_t i = 0; i < links.size();) {
+        if (links[i].m_id.m_id == id && links[i].m_type == type) {
+            links.erase(links.begin() + long(i));
             if (!all)
                 return ZBErrC_ok;
         } else {
@@ -395,14 +680,14 @@ int ZBDBObject::remove_link(int id, const std::string& type, bool all)
 int ZBDBObject::get_nassoc(const std::string& type) const
 {
     int n = 0;
-    for (const ZBDBObjectLink& link : m_link)
+    for (const ZBDBObjectLink& link : get_all_links())
         n += link.m_type == type;
     return n;
 }
 
 int ZBDBObject::get_assoc_by_index(const std::string& type, int index) const
 {
-    for (const ZBDBObjectLink& link : m_link)
+    for (const ZBDBObjectLink& link : get_all_links())
         if (link.m_type == type && index-- == 0)
             return link.m_id.m_id;
     return -1;
@@ -411,7 +696,7 @@ int ZBDBObject::get_assoc_by_index(const std::string& type, int index) const
 std::vector<int> ZBDBObject::get_links(const std::string& type) const
 {
     std::vector<int> ids;
-    for (const ZBDBObjectLink& link : m_link)
+    for (const ZBDBObjectLink& link : get_all_links())
         if (link.m_type == type)
             ids.push_back(link.m_id.m_id);
     return ids;
@@ -420,12 +705,12 @@ std::vector<int> ZBDBObject::get_links(const std::string& type) const
 void ZBDBObject::add_managed_child(ZBDBObject* child)
 {
     if (child)
-        m_child.push_back(child);
+        extra().m_child.push_back(child);
 }
 
 ZBDBObject* ZBDBObject::extract_managed_child()
 {
-    return m_child.empty() ? nullptr : m_child.extract(0);
+    return !m_extra || m_extra->m_child.empty() ? nullptr : m_extra->m_child.extract(0);
 }
 
 int ZBDBObject::get_children_by_mtag(const std::string& tag, ZBPtrArray<ZBDBObject>& out) const
@@ -440,7 +725,7 @@ int ZBDBObject::get_children_by_mtag(const std::string& tag, ZBPtrArray<ZBDBObje
 
 ZBDBScript* ZBDBObject::get_script(const std::string& name) const
 {
-    for (ZBDBScript* script : m_script)
+    for (ZBDBScript* script : extra_or_blank().m_script)
         if (script->m_name == name)
             return script;
     return nullptr;
@@ -452,7 +737,7 @@ ZBDBScript* ZBDBObject::edit_script(const std::string& name)
         return script;
     ZBDBScript* script = new ZBDBScript();
     script->m_name = name;
-    m_script.push_back(script);
+    extra().m_script.push_back(script);
     return script;
 }
 
@@ -462,22 +747,25 @@ int ZBDBObject::add_script(ZBDBScript* script)
         return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
     if (get_script(script->m_name))
         return zberror(ZBErrC_InvalidValue, ZBLOC, "A script named %s already exists.", script->m_name.c_str());
-    m_script.push_back(script);
+    extra().m_script.push_back(script);
     return ZBErrC_ok;
 }
 
 int ZBDBObject::remove_script(const std::string& name)
 {
-    for (int i = 0; i < m_script.size(); ++i)
-        if (m_script[i]->m_name == name)
-            return m_script.remove(i);
+    if (!m_extra)
+        return ZBErrC_okNotHandled;
+    ZBPtrArray<ZBDBScript>& scripts = m_extra->m_script;
+    for (int i = 0; i < scripts.size(); ++i)
+        if (scripts[i]->m_name == name)
+            return scripts.remove(i);
     return ZBErrC_okNotHandled;
 }
 
 int ZBDBObject::get_all_scripts(ZBPtrArray<ZBDBScript>& out) const
 {
     out.set_managed(false);
-    for (ZBDBScript* script : m_script)
+    for (ZBDBScript* script : extra_or_blank().m_script)
         out.push_back(script);
     return ZBErrC_ok;
 }
@@ -491,12 +779,12 @@ int ZBDBObject::run_trigger_script(const std::string&)
 
 void ZBDBObject::add_container(ZBDBContainerBase& container)
 {
-    m_containers.push_back(&container);
+    node().m_containers.push_back(&container);
 }
 
 ZBDBContainerBase* ZBDBObject::get_container(const std::string& tag) const
 {
-    for (ZBDBContainerBase* container : m_containers)
+    for (ZBDBContainerBase* container : node_or_blank().m_containers)
         if (container->get_tag() == tag)
             return container;
     return nullptr;
@@ -508,9 +796,10 @@ ZBDBContainerBase* ZBDBObject::get_or_make_container(const std::string& tag)
         return container;
     if (!allow_children())
         return nullptr;
-    m_ownContainers.emplace_back(new ZBDBContainer<ZBDBObject>(tag));
-    m_containers.push_back(m_ownContainers.back().get());
-    return m_containers.last();
+    Node& n = node();
+    n.m_ownContainers.emplace_back(new ZBDBContainer<ZBDBObject>(tag));
+    n.m_containers.push_back(n.m_ownContainers.back().get());
+    return n.m_containers.back();
 }
 
 void ZBDBObject::remap_container(const std::string& from, const std::string& to)
@@ -521,8 +810,9 @@ void ZBDBObject::remap_container(const std::string& from, const std::string& to)
 
 void ZBDBObject::clear_containers()
 {
-    for (ZBDBContainerBase* container : m_containers)
-        container->clear();
+    if (m_node)
+        for (ZBDBContainerBase* container : m_node->m_containers)
+            container->clear();
 }
 
 // ---------------------------------------------------------------- variables
@@ -580,8 +870,8 @@ std::string clock_text(const char* format)
 
 void ZBDBObject::stored_vars(std::vector<std::string>& out) const
 {
-    for (int i = 0; i < m_vars.size(); ++i) {
-        const ZBVariable* variable = m_vars[i];
+    for (int i = 0; i < node_or_blank().m_vars.size(); ++i) {
+        const ZBVariable* variable = node_or_blank().m_vars[i];
         const std::shared_ptr<ZBVarSpec>& spec = variable->get_spec();
         // A system value is the object's own field, stored with the object.
         if (spec && (spec->is_sysvalue() || spec->is_derived() || variable->get_value() == spec->get_spec()))
@@ -601,16 +891,16 @@ int ZBDBObject::pre_validate_value(const std::string& tag, const std::string& va
 int ZBDBObject::get_nvars(bool includePrivate) const
 {
     if (includePrivate)
-        return m_vars.size();
+        return node_or_blank().m_vars.size();
     int n = 0;
-    for (const ZBVariable* variable : m_vars)
+    for (const ZBVariable* variable : node_or_blank().m_vars)
         n += !variable->is_private();
     return n;
 }
 
 ZBVariable* ZBDBObject::get_var_by_tag(const std::string& tag) const
 {
-    for (ZBVariable* variable : m_vars)
+    for (ZBVariable* variable : node_or_blank().m_vars)
         if (variable->get_tag() == tag)
             return variable;
     return nullptr;
@@ -626,28 +916,30 @@ int ZBDBObject::add_var(ZBVariable* variable)
 {
     if (!variable)
         return zberror(ZBErrC_NullPointer, ZBLOC, "The supplied object was nullptr.");
-    for (int i = 0; i < m_vars.size(); ++i)
-        if (m_vars[i]->get_tag() == variable->get_tag()) {
-            m_vars.remove(i);
-            m_vars.insert(i, variable);
+    for (int i = 0; i < node().m_vars.size(); ++i)
+        if (node().m_vars[i]->get_tag() == variable->get_tag()) {
+            node().m_vars.remove(i);
+            node().m_vars.insert(i, variable);
             return ZBErrC_ok;
         }
-    m_vars.push_back(variable);
+    node().m_vars.push_back(variable);
     return ZBErrC_ok;
 }
 
 void ZBDBObject::clear_vars()
 {
-    m_varsChanged = m_varsChanged || !m_vars.empty() || !m_variable.empty();
-    m_vars.clear();
+    if (!m_node)
+        return;
+    m_varsChanged = m_varsChanged || !m_node->m_vars.empty() || !m_node->m_variable.empty();
+    m_node->m_vars.clear();
 }
 
 int ZBDBObject::remove_var_by_index(int index)
 {
-    if (index < 0 || index >= m_vars.size())
+    if (index < 0 || index >= node().m_vars.size())
         return zberror(ZBErrC_InvalidValue, ZBLOC, "There is no variable %d.", index);
     m_varsChanged = true;
-    return m_vars.remove(index);
+    return node().m_vars.remove(index);
 }
 
 int ZBDBObject::locate_vars(const std::string& text)
@@ -670,7 +962,7 @@ int ZBDBObject::locate_vars(const std::string& text)
             spec->set_prompt(true);
             variable->set_spec(spec);
         }
-        m_vars.push_back(variable);
+        node().m_vars.push_back(variable);
     }
     return ZBErrC_ok;
 }
@@ -703,7 +995,7 @@ int ZBDBObject::set_var_value(const std::string& tag, const std::string& value)
         if (!valid_var_tag(tag))
             return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Invalid variable name %s.", tag.c_str());
         variable = new ZBVariable(tag, value);
-        m_vars.push_back(variable);
+        node().m_vars.push_back(variable);
     }
     variable->set_value(value);
     variable->clear_cache();
@@ -720,7 +1012,7 @@ int ZBDBObject::set_var_value(const std::string& tag, const std::string& value)
 
 std::string ZBDBObject::var_to_string(int index) const
 {
-    const ZBVariable* variable = m_vars.at(index);
+    const ZBVariable* variable = node_or_blank().m_vars.at(index);
     if (!variable)
         return std::string();
     return variable->get_tag() + "=" + escape_var(variable->get_value());
@@ -760,7 +1052,7 @@ int ZBDBObject::var_from_string(const std::string& text)
         ZBVariable* variable = get_var_by_tag(tag);
         if (!variable) {
             variable = new ZBVariable(tag, value);
-            m_vars.push_back(variable);
+            node().m_vars.push_back(variable);
         }
         variable->set_value(value);
         variable->mark_initialised();
@@ -778,9 +1070,9 @@ int ZBDBObject::apply_objectspec(const ZBObjectSpec& spec)
     for (int i = 0; i < nspec; ++i) {
         const std::shared_ptr<ZBVarSpec>& varSpec = spec.get_varspec_ptr(i);
         ZBVariable* variable = nullptr;
-        for (int j = 0; j < m_vars.size(); ++j)
-            if (m_vars[j]->get_tag() == varSpec->get_tag()) {
-                variable = m_vars.extract(j);
+        for (int j = 0; j < node().m_vars.size(); ++j)
+            if (node().m_vars[j]->get_tag() == varSpec->get_tag()) {
+                variable = node().m_vars.extract(j);
                 break;
             }
         if (!variable)
@@ -793,10 +1085,10 @@ int ZBDBObject::apply_objectspec(const ZBObjectSpec& spec)
         variable->set_spec(varSpec);
         linked.push_back(variable);
     }
-    if (!m_vars.empty())
+    if (!node().m_vars.empty())
         m_varsChanged = true;
-    m_vars = std::move(linked);
-    m_vars.set_managed(true);
+    node().m_vars = std::move(linked);
+    node().m_vars.set_managed(true);
     update_vars();
     return ZBErrC_ok;
 }
@@ -804,9 +1096,9 @@ int ZBDBObject::apply_objectspec(const ZBObjectSpec& spec)
 int ZBDBObject::update_vars()
 {
     m_triggerUpdateVars = false;
-    if (m_vars.empty())
+    if (node_or_blank().m_vars.empty())
         return ZBErrC_okFinished;
-    for (ZBVariable* variable : m_vars) {
+    for (ZBVariable* variable : node_or_blank().m_vars) {
         // A computed system value (eval) is worked out below and written back
         // to the object; any other one is the object's field as it stands.
         if (variable->is_sysvalue() && !variable->is_derived()) {
@@ -825,7 +1117,7 @@ int ZBDBObject::update_vars()
     while (progress) {
         progress = false;
         unfinished = false;
-        for (ZBVariable* variable : m_vars) {
+        for (ZBVariable* variable : node_or_blank().m_vars) {
             if (variable->is_initialised())
                 continue;
             if ((variable->is_prompt() && !variable->is_derived()) || apply_note(*variable)) {
@@ -961,7 +1253,7 @@ int ZBDBObject::apply_vars(std::string& text, bool firstTime, ZBDBScriptCache* c
 
 int ZBDBObject::copy_values(const ZBDBObject& other)
 {
-    for (ZBVariable* variable : m_vars)
+    for (ZBVariable* variable : node_or_blank().m_vars)
         if (const ZBVariable* from = other.get_var_by_tag(variable->get_tag())) {
             variable->set_value(from->get_value());
             variable->mark_initialised(from->is_initialised());
@@ -972,11 +1264,11 @@ int ZBDBObject::copy_values(const ZBDBObject& other)
 int ZBDBObject::append_values(const ZBDBObject& other)
 {
     copy_values(other);
-    for (const ZBVariable* from : other.m_vars)
+    for (const ZBVariable* from : other.node_or_blank().m_vars)
         if (!get_var_by_tag(from->get_tag())) {
             ZBVariable* copy = new ZBVariable(from->get_tag(), from->get_value());
             copy->mark_initialised(from->is_initialised());
-            m_vars.push_back(copy);
+            node().m_vars.push_back(copy);
         }
     return ZBErrC_ok;
 }
@@ -984,7 +1276,7 @@ int ZBDBObject::append_values(const ZBDBObject& other)
 int ZBDBObject::post_validate_values(std::string& message) const
 {
     message.clear();
-    for (const ZBVariable* variable : m_vars) {
+    for (const ZBVariable* variable : node_or_blank().m_vars) {
         std::string why;
         if (variable->get_spec() && !variable->get_spec()->check_value(variable->get_value(), why))
             message += (message.empty() ? "" : "\n") + variable->get_tag() + ": " + why;

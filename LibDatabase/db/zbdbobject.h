@@ -24,6 +24,10 @@ class ZBDBScriptCache;
 // create and modify times, managed children (outside a database) and scripts.
 // The database owns every object; children are found through containers that
 // resolve_containers rebuilds from the parent ids.
+// A plain object is small: what only a node of a database's tree uses (tags,
+// times, variables, containers) and what few objects use (links, scripts,
+// managed children, the edit backup) are made on first use, because an entry
+// holds a dozen objects of which only one is a node.
 // Changes are made under the edit lock: edit() locks and keeps a backup copy,
 // commit() drops it and records the change, revert() puts the backup back. The
 // lock is a private base so that nothing bypasses the backup.
@@ -80,28 +84,32 @@ public:
     int edit(int lockId, bool created);
     int commit();
     int revert();
-    bool is_edited() const { return m_backup != nullptr; }
-    bool get_created() const { return m_created; }
-    const ZBDBObject* get_backup() const { return m_backup; }
+    // Marks the object deleted under the lock of lockId, with no backup: what a
+    // deletion takes away is kept, when wanted, as the copy that the database
+    // extracts. Refused, and nothing changed, when the object is locked.
+    int delete_locked(int lockId);
+    bool is_edited() const { return get_backup() != nullptr; }
+    bool get_created() const;
+    const ZBDBObject* get_backup() const;
     using ZBLockable::is_locked;
     using ZBLockable::get_lock_id;
 
     int get_id() const { return m_id; }
     int get_parent_id() const { return m_parentId; }
-    ZBDBObject* get_parent() const { return m_parent; }
-    ZBDatabase* get_database() const { return m_database; }
-    const std::string& get_obj_container_tag() const { return m_containerTag; }
-    const std::string& get_member_tag() const { return m_memberTag; }
+    ZBDBObject* get_parent() const;
+    ZBDatabase* get_database() const;
+    const std::string& get_obj_container_tag() const;
+    const std::string& get_member_tag() const;
     int get_specid() const { return m_specId; }
     void set_specid(int id) { m_specId = id; }
     E_ObjectState get_obj_state() const { return E_ObjectState(m_state); }
     bool is_deleted() const { return m_state == E_Deleted; }
-    const ZBDate& get_create_time() const { return m_createTime; }
-    const ZBDate& get_modify_time() const { return m_modifyTime; }
-    int get_create_id() const { return m_createID; }
-    int get_alert_state() const { return m_alertState; }
-    void set_alert_state(int state) { m_alertState = state; }
-    const std::string& get_change_loc() const { return m_modifyLoc; }
+    const ZBDate& get_create_time() const;
+    const ZBDate& get_modify_time() const;
+    int get_create_id() const;
+    int get_alert_state() const;
+    void set_alert_state(int state);
+    const std::string& get_change_loc() const;
 
     // Records a change: a new modify time (one second after the clock) and update count.
     void mark_changed(const std::string& location, bool updateTime);
@@ -111,8 +119,8 @@ public:
     void set_state(E_ObjectState state);
     void set_parent(ZBDBObject* parent, const std::string& containerTag, const std::string& memberTag, ZBDatabase* db);
     void set_parent_ptr(ZBDBObject* parent, ZBDatabase* db);
-    void set_create_time(const ZBDate& date) { m_createTime = date; }
-    void set_modify_time(const ZBDate& date) { m_modifyTime = date; }
+    void set_create_time(const ZBDate& date);
+    void set_modify_time(const ZBDate& date);
 
     // Links.
     void add_link(int id, const std::string& type);
@@ -121,17 +129,17 @@ public:
     // The number of links of a type, and one of them by position (-1 when out of range).
     int get_nassoc(const std::string& type) const;
     int get_assoc_by_index(const std::string& type, int index) const;
-    const std::vector<ZBDBObjectLink>& get_all_links() const { return m_link; }
+    const std::vector<ZBDBObjectLink>& get_all_links() const;
 
     // Variables in their stored form, one "TAG=VALUE" text each, as the file
     // holds them. Refreshed from the variables on every write; changes go
     // through set_var_value.
-    ZBPtrArray<std::string>& get_variable_text() { return m_variable; }
-    const ZBPtrArray<std::string>& get_variable_text() const { return m_variable; }
+    ZBPtrArray<std::string>& get_variable_text();
+    const ZBPtrArray<std::string>& get_variable_text() const;
 
     // Variables. includePrivate false counts only those a user is shown.
     int get_nvars(bool includePrivate = true) const;
-    ZBVariable* get_var_by_index(int index) const { return m_vars.at(index); }
+    ZBVariable* get_var_by_index(int index) const;
     ZBVariable* get_var_by_tag(const std::string& tag) const;
     // Derived variables are worked out on every update; the user does not type them.
     bool var_is_calculated(const std::string& tag) const;
@@ -176,18 +184,18 @@ public:
     // Managed children: the copies an object carries outside a database.
     void add_managed_child(ZBDBObject* child);
     ZBDBObject* extract_managed_child();
-    int get_nmanaged_children() const { return m_child.size(); }
+    int get_nmanaged_children() const;
     int get_children_by_mtag(const std::string& tag, ZBPtrArray<ZBDBObject>& out) const;
 
     // Scripts, by name; the object owns them.
-    int get_nscripts() const { return m_script.size(); }
-    ZBDBScript* get_script_no(int index) const { return m_script.at(index); }
+    int get_nscripts() const;
+    ZBDBScript* get_script_no(int index) const;
     ZBDBScript* get_script(const std::string& name) const;
     // The script of that name, made empty if there is none.
     ZBDBScript* edit_script(const std::string& name);
     int add_script(ZBDBScript* script);
     int remove_script(const std::string& name);
-    void clear_scripts() { m_script.clear(); }
+    void clear_scripts();
     // Every script in order, as a non-owning list.
     int get_all_scripts(ZBPtrArray<ZBDBScript>& out) const;
     // Finds the script for a trigger ("create", "edit", ...); okNotHandled when there is none.
@@ -199,42 +207,40 @@ public:
     ZBDBContainerBase* get_or_make_container(const std::string& tag);
     void remap_container(const std::string& from, const std::string& to);
     void clear_containers();
-    int get_ncontainers() const { return m_containers.size(); }
-    ZBDBContainerBase* get_container_no(int index) const { return m_containers.at(index); }
+    int get_ncontainers() const;
+    ZBDBContainerBase* get_container_no(int index) const;
 
 private:
-    // Stored.
-    int m_id;
-    char m_state;
-    int m_parentId;
-    std::string m_containerTag;
-    std::string m_memberTag;
-    std::vector<ZBDBObjectLink> m_link;
-    int m_specId;
-    ZBPtrArray<std::string> m_variable;
-    ZBPtrArray<ZBVariable> m_vars;
-    ZBDate m_createTime;
-    int m_createID;
-    ZBDate m_modifyTime;
-    ZBPtrArray<ZBDBObject> m_child;
-    ZBPtrArray<ZBDBScript> m_script;
+    // The place of a stored object in its database: the tags, times, variables,
+    // the parent and database pointers and the containers. Made on first use,
+    // so that an object that only ever stands as a part of another (an entry's
+    // facets) carries none of it.
+    struct Node;
+    // What few objects ever use: links, managed children, scripts, the edit
+    // backup, the location of the last change and the alert state.
+    struct Extra;
 
-    // Not stored.
-    ZBDBObject* m_backup;
-    bool m_created;
-    // Non-owning: a class's own containers are its members, the rest are in m_ownContainers.
-    ZBPtrArray<ZBDBContainerBase> m_containers;
-    std::vector<std::unique_ptr<ZBDBContainerBase>> m_ownContainers;
-    ZBDBObject* m_parent;
-    ZBDatabase* m_database;
+    Node& node();
+    Extra& extra();
+    static const Node& blank_node();
+    static const Extra& blank_extra();
+    const Node& node_or_blank() const;
+    const Extra& extra_or_blank() const;
+    // The stored members of other, in place of this object's own.
+    void copy_stored(const ZBDBObject& other);
+
+    int m_id;
+    int m_parentId;
+    int m_specId;
+    char m_state;
     bool m_objectSerialised;
     bool m_triggerUpdateVars;
-    std::string m_modifyLoc;
-    int m_alertState;
     bool m_systemChange;
     // Set when a variable went away, so that the stored form is rebuilt even
     // when none is left.
     bool m_varsChanged;
+    std::unique_ptr<Node> m_node;
+    std::unique_ptr<Extra> m_extra;
 
     void stored_vars(std::vector<std::string>& out) const;
 };

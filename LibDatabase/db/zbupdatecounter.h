@@ -10,7 +10,6 @@ namespace Tervalon {
 class ZBUpdateCounter {
 public:
     ZBUpdateCounter() = default;
-    virtual ~ZBUpdateCounter() = default;
 
     // With increment, moves the count on, records the time and returns the new
     // value; without, returns it as it is and changes nothing.
@@ -24,6 +23,11 @@ public:
     // moving the shared count.
     void restore_update(long value) { m_lastUpdate = value; }
     long get_last_update() const { return m_lastUpdate; }
+
+protected:
+    // A base part of a record, never deleted through this class: a virtual
+    // destructor would cost every record, and every part of one, a pointer.
+    ~ZBUpdateCounter() = default;
 
 private:
     long m_lastUpdate = -1;

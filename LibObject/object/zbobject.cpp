@@ -1,5 +1,6 @@
 #include "LibObject/object/zbobject.h"
 #include "LibObject/object/zbdump.h"
+#include "LibObject/object/zbpurgeunhandledscope.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -15,7 +16,7 @@
 
 namespace Tervalon {
 
-bool G_PurgeUnhandled = false;
+thread_local bool G_PurgeUnhandled = false;
 
 int ZBObject::ZBErrC_ObjectUnknown =
     ZBError::allocate_code("ZBErrC_ObjectUnknown", "Could not find a reference to the supplied object name.");
@@ -593,6 +594,13 @@ int ZBObject::derived_assign(const ZBObject& other, int version)
 int ZBObject::selftest_serialisation(bool verbose, int version, std::ostream* report, ZBObject* expected)
 {
     const ZBObject& original = expected ? *expected : *this;
+    // Only the fields a class knows are compared: what it keeps unhandled
+    // would otherwise be written back whether the class read it or not, and
+    // hide a field that is written but never read.
+    ZBPurgeUnhandledScope known;
+    std::string want;
+    if (iszbwarn(original.object_to_string(want, version)))
+        return zbpass(ZBLOC);
     QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/scratch";
     QDir().mkpath(dir);
     const std::string path = (dir + "/zbclassST.txt").toStdString();
@@ -600,8 +608,9 @@ int ZBObject::selftest_serialisation(bool verbose, int version, std::ostream* re
         std::ofstream out(path, std::ios::trunc);
         if (!out)
             return zberror(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", path.c_str());
-        if (iszbwarn(original.write_class(out, version)))
-            return zbpass(ZBLOC);
+        out << want;
+        if (!out)
+            return zberror(ZBErrC_FileWrite, ZBLOC, "Write operation failed.");
     }
     const std::string name = original.get_class_name();
     ZBObject* read = nullptr;
@@ -611,14 +620,16 @@ int ZBObject::selftest_serialisation(bool verbose, int version, std::ostream* re
             return zbpass(ZBLOC);
     }
     int result = ZBErrC_ok;
-    if (!read || !(*read == original)) {
+    std::string got;
+    if (!read || iszbwarn(read->object_to_string(got, version)) || got != want) {
         if (report)
             *report << "Read object " << name << " failed equality test." << std::endl;
         result = zberror(ZBErrC_InvalidValue, ZBLOC, "Read object %s failed equality test.", name.c_str());
     }
     delete read;
     ZBObject* clone = original.clone_class();
-    if (!clone || !(*clone == original)) {
+    std::string copied;
+    if (!clone || iszbwarn(clone->object_to_string(copied, version)) || copied != want) {
         if (report)
             *report << "Cloned object " << name << " failed equality test." << std::endl;
         result = zberror(ZBErrC_InvalidValue, ZBLOC, "Cloned object %s failed equality test.", name.c_str());

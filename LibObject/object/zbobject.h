@@ -17,8 +17,10 @@ namespace Tervalon {
 class ZBConnectionData;
 
 // When set, data a class does not understand is dropped on the next write
-// instead of being kept. Only changed around bulk file work on the main thread.
-extern bool G_PurgeUnhandled;
+// instead of being kept. It is per thread, and set only for the length of one
+// write through ZBPurgeUnhandledScope, so that it never outlives the file it
+// was meant for nor reaches a write on another thread.
+extern thread_local bool G_PurgeUnhandled;
 
 // Composes the tag of a field that a class delegates to a part of itself.
 std::string make_ctag(const std::string& prefix, const std::string& tag);
@@ -89,6 +91,10 @@ public:
     ZBObject* clone_class() const;
     bool derived_compare(const ZBObject& other, int version) const;
     int derived_assign(const ZBObject& other, int version);
+    // Writes the object (or expected) to a scratch file, reads it back and
+    // clones it; fails when the read object or the clone does not write the
+    // same text of known fields, so that a class that loses a field on the
+    // way in or in its copy is caught.
     int selftest_serialisation(bool verbose, int version, std::ostream* report, ZBObject* expected);
 
     std::string get_class_name() const;

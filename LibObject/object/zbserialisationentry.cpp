@@ -34,8 +34,10 @@ int zb_read_nested(std::istream& in, std::string* value)
         }
         if (!next.empty()) {
             if (next[0] == '{') {
-                ++depth;
                 ++opened;
+                if (++depth > ZBSerialisationEntry::C_MaxNesting)
+                    return zberror(ZBErrC_FileLineInvalid, ZBLOC, "Objects are nested more than %d deep.",
+                                   ZBSerialisationEntry::C_MaxNesting);
             } else if (next[0] == '}') {
                 --depth;
             }

@@ -12,6 +12,10 @@ namespace Tervalon {
 class ZBSerialisationEntry {
 public:
     enum E_ReadMode { E_Field = 0, E_Class = 1, E_Raw = 2 };
+    // Objects inside objects go no deeper than this in a stream. Reading a
+    // nested object recurses, so a damaged or hostile file nested without
+    // end is refused here rather than overflowing the stack.
+    static const int C_MaxNesting = 256;
 
     ZBSerialisationEntry() = default;
     ZBSerialisationEntry(E_ReadMode type, const std::string& tag, const std::string& value)
@@ -40,7 +44,8 @@ public:
 bool zb_read_line(std::istream& in, std::string& line);
 // Reads the lines of a nested object (after its "@tag" line) up to the line
 // that closes it, found by the depth of '{' and '}' lines; appends them to
-// value when given. ZBErrC_FileTooShort when the stream ends first.
+// value when given. ZBErrC_FileTooShort when the stream ends first, and
+// ZBErrC_FileLineInvalid when objects nest deeper than C_MaxNesting.
 int zb_read_nested(std::istream& in, std::string* value);
 // Writes a raw data line, with the extra backslash where the line would otherwise
 // be taken for a field, an object or a class marker.

@@ -1,0 +1,188 @@
+#include "LibObject/object/zbobject.h"
+#include "LibObject/object/zbpurgeunhandledscope.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <thread>
+
+using namespace Tervalon;
+
+namespace {
+
+// A node that holds nodes, to nest objects as deep as a test needs.
+class Node : public ZBObject {
+public:
+    Node() { Node::register_zbobject(); }
+    Node(const Node& other) = default;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override
+    {
+        serialise_field<int>(in, out, prefix, "V", m_value, 0);
+        ZBSrlObjectArray<Node> children(m_children, version);
+        if (iszbwarn(serialise_object(in, out, prefix, "K", children)))
+            return zbpass(ZBLOC);
+        return ZBObject::serialise(in, out, prefix, version);
+    }
+    void register_zbobject() override { register_objectname("SafetyNode", &Node::create_zbobject); }
+    static int create_zbobject(ZBObject*& out, const ZBObject* from) { return create_as<Node>(out, from, "SafetyNode"); }
+
+    int m_value = 0;
+    ZBPtrArray<Node> m_children;
+};
+
+// Writes its second field, and on reading takes it but drops its value.
+class LosesOnRead : public ZBObject {
+public:
+    LosesOnRead() { LosesOnRead::register_zbobject(); }
+    LosesOnRead(const LosesOnRead& other) = default;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override
+    {
+        serialise_field<int>(in, out, prefix, "A", m_a, 0);
+        int dropped = 0;
+        serialise_field<int>(in, out, prefix, "B", out ? m_b : dropped, 0);
+        return ZBObject::serialise(in, out, prefix, version);
+    }
+    void register_zbobject() override { register_objectname("SafetyLosesOnRead", &LosesOnRead::create_zbobject); }
+    static int create_zbobject(ZBObject*& out, const ZBObject* from)
+    {
+        return create_as<LosesOnRead>(out, from, "SafetyLosesOnRead");
+    }
+
+    int m_a = 0;
+    int m_b = 0;
+};
+
+// Reads and writes both fields, but its copy forgets one.
+class LosesOnCopy : public ZBObject {
+public:
+    LosesOnCopy() { LosesOnCopy::register_zbobject(); }
+    LosesOnCopy(const LosesOnCopy& other) : ZBObject(other), m_a(other.m_a) {}
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override
+    {
+        serialise_field<int>(in, out, prefix, "A", m_a, 0);
+        serialise_field<int>(in, out, prefix, "B", m_b, 0);
+        return ZBObject::serialise(in, out, prefix, version);
+    }
+    void register_zbobject() override { register_objectname("SafetyLosesOnCopy", &LosesOnCopy::create_zbobject); }
+    static int create_zbobject(ZBObject*& out, const ZBObject* from)
+    {
+        return create_as<LosesOnCopy>(out, from, "SafetyLosesOnCopy");
+    }
+
+    int m_a = 0;
+    int m_b = 0;
+};
+
+ZBObjectPreReg g_node("SafetyNode", &Node::create_zbobject);
+ZBObjectPreReg g_losesOnRead("SafetyLosesOnRead", &LosesOnRead::create_zbobject);
+ZBObjectPreReg g_losesOnCopy("SafetyLosesOnCopy", &LosesOnCopy::create_zbobject);
+
+// The text of nodes nested depth deep below an outer node.
+std::string nested_text(int depth)
+{
+    std::string text = "{SafetyNode\n";
+    for (int i = 0; i < depth; ++i)
+        text += "@K\n{SafetyNode\n!V!" + std::to_string(i) + "\n";
+    for (int i = 0; i < depth; ++i)
+        text += "}\n";
+    return text + "}\n";
+}
+
+std::string error_text()
+{
+    const ZBErrDetails* top = get_zberror().top();
+    return top ? top->get_details(ZBErrAsp_System) : std::string();
+}
+
+} // namespace
+
+TEST(StreamSafety, NestingIsBoundedAndRefusedWithAMessage)
+{
+    struct Case {
+        int depth;
+        bool reads;
+    };
+    for (const Case& c : {Case{10, true}, Case{ZBSerialisationEntry::C_MaxNesting, true},
+                          Case{ZBSerialisationEntry::C_MaxNesting + 1, false}, Case{200000, false}}) {
+        ZBObject* object = nullptr;
+        const int result = ZBObject::object_from_string(nested_text(c.depth), object, 0);
+        std::unique_ptr<ZBObject> owned(object);
+        if (c.reads) {
+            EXPECT_EQ(result, ZBErrC_ok) << c.depth;
+            const Node* node = dynamic_cast<const Node*>(object);
+            for (int i = 0; node && i < c.depth; ++i)
+                node = node->m_children.size() == 1 ? node->m_children[0] : nullptr;
+            ASSERT_NE(node, nullptr) << c.depth;
+            EXPECT_EQ(node->m_value, c.depth - 1);
+        } else {
+            EXPECT_TRUE(iszberr(result)) << c.depth;
+            EXPECT_EQ(object, nullptr);
+            EXPECT_EQ(error_text(), "Objects are nested more than " + std::to_string(ZBSerialisationEntry::C_MaxNesting)
+                                        + " deep.");
+        }
+        get_zberror().clear_all();
+    }
+}
+
+TEST(StreamSafety, PurgingLastsForItsScopeAndItsThreadOnly)
+{
+    std::unique_ptr<ZBObject> object;
+    {
+        ZBObject* read = nullptr;
+        ASSERT_EQ(ZBObject::object_from_string("{SafetyNode\n!Future!kept\n}\n", read, 0), ZBErrC_ok);
+        object.reset(read);
+    }
+    auto text = [&object] {
+        std::string out;
+        object->object_to_string(out, 0);
+        return out;
+    };
+    {
+        ZBPurgeUnhandledScope purge;
+        EXPECT_EQ(text(), "{SafetyNode\n}\n");
+        {
+            ZBPurgeUnhandledScope keep(false);
+            EXPECT_EQ(text(), "{SafetyNode\n!Future!kept\n}\n");
+        }
+        EXPECT_EQ(text(), "{SafetyNode\n}\n");
+        // A write on another thread at the same moment keeps its data.
+        std::string other;
+        std::thread([&] { other = text(); }).join();
+        EXPECT_EQ(other, "{SafetyNode\n!Future!kept\n}\n");
+    }
+    EXPECT_FALSE(ZBObject::get_purge_unhandled());
+    EXPECT_EQ(text(), "{SafetyNode\n!Future!kept\n}\n");
+}
+
+TEST(StreamSafety, SelfTestCatchesAClassThatLosesAField)
+{
+    std::ostringstream report;
+    Node fine;
+    fine.m_value = 3;
+    fine.m_children.push_back(new Node());
+    EXPECT_EQ(fine.selftest_serialisation(true, 0, &report, nullptr), ZBErrC_ok) << report.str();
+    EXPECT_EQ(report.str(), "SafetyNode passed.\n");
+
+    report.str("");
+    LosesOnRead onRead;
+    onRead.m_a = 1;
+    onRead.m_b = 2;
+    EXPECT_TRUE(iszberr(onRead.selftest_serialisation(true, 0, &report, nullptr)));
+    EXPECT_EQ(report.str(), "Read object SafetyLosesOnRead failed equality test.\n");
+    get_zberror().clear_all();
+
+    report.str("");
+    LosesOnCopy onCopy;
+    onCopy.m_b = 5;
+    EXPECT_TRUE(iszberr(onCopy.selftest_serialisation(true, 0, &report, nullptr)));
+    EXPECT_EQ(report.str(), "Cloned object SafetyLosesOnCopy failed equality test.\n");
+    get_zberror().clear_all();
+
+    // A class that loses nothing passes even with unknown data it keeps.
+    ZBObject* read = nullptr;
+    ASSERT_EQ(ZBObject::object_from_string("{SafetyNode\n!V!4\n!Future!x\n}\n", read, 0), ZBErrC_ok);
+    std::unique_ptr<ZBObject> withUnknown(read);
+    report.str("");
+    EXPECT_EQ(withUnknown->selftest_serialisation(false, 0, &report, nullptr), ZBErrC_ok) << report.str();
+}
