@@ -60,12 +60,6 @@ TEST(PtrArrayIndexSort, KeysMoveWithTheirElementsThroughTheBaseAsWell)
     EXPECT_EQ(texts(viaBase), texts(direct));
     EXPECT_EQ(texts(direct), (std::vector<std::string>{"y", "a", "xx", "bb", "ccc", "dddd", "eeeee"}));
 
-    // A part of the array only.
-    ZBPtrArrayIndex<std::string, std::string> part;
-    fill(part);
-    static_cast<ZBPtrArray<std::string>&>(part).sort(by_length, 2, 5);
-    EXPECT_EQ(texts(part), (std::vector<std::string>{"ccc", "a", "xx", "bb", "dddd", "eeeee", "y"}));
-    expect_in_step(part);
 }
 
 TEST(PtrArrayIndexSort, OneElementUnderTwoKeysKeepsBoth)

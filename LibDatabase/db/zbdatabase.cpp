@@ -22,7 +22,6 @@
 #include <memory>
 #include <regex>
 #include <set>
-#include <unordered_map>
 #include <sstream>
 
 namespace Tervalon {
@@ -1035,61 +1034,51 @@ int ZBDatabase::reparent(ZBDBObject* object, ZBDBObject* parent, const std::stri
 int ZBDatabase::resolve_containers()
 {
     clear_containers();
-    for (ZBDBObject* object : m_object)
+    // Parent pointers are set again below, only for objects found in the
+    // tree, so a set pointer means "already placed" while the pass runs.
+    for (ZBDBObject* object : m_object) {
         object->clear_containers();
+        object->set_parent_ptr(nullptr, this);
+    }
     // An object is in the tree when its chain of parents reaches the top; one
-    // whose chain meets a missing or deleted object, or runs round in a
-    // circle, is an orphan. Each object's answer is worked out once.
-    enum : char { E_Unknown, E_Visiting, E_InTree, E_Orphan };
-    std::unordered_map<const ZBDBObject*, char> place;
-    place.reserve(size_t(m_object.size()));
-    std::vector<ZBDBObject*> chain;
-    auto in_tree = [&](ZBDBObject* start) {
-        chain.clear();
-        char answer = E_Orphan;
-        for (ZBDBObject* object = start;;) {
-            char& known = place[object];
-            if (known == E_InTree || known == E_Orphan) {
-                answer = known;
-                break;
-            }
-            if (known == E_Visiting)
-                break; // a circle of parents
-            if (object->is_deleted())
-                break;
+    // whose chain meets a missing or deleted object, or runs round in a circle
+    // (found by a walk longer than there are objects), is an orphan. Parents
+    // mostly come before their children, so the walk mostly stops at once at
+    // a parent placed already.
+    // direct gets the object's own parent.
+    auto in_tree = [this](const ZBDBObject* object, ZBDBObject*& direct) {
+        direct = nullptr;
+        for (int steps = 0; steps <= m_object.size(); ++steps) {
             const int parentId = object->get_parent_id();
-            ZBDBObject* parent = parentId < 0 ? nullptr : get_object_by_id(parentId);
-            if (parentId < 0 || parent == this) {
-                answer = E_InTree;
-                break;
-            }
-            if (!parent)
-                break;
-            known = E_Visiting;
-            chain.push_back(object);
+            if (parentId < 0)
+                return true;
+            ZBDBObject* parent = get_object_by_id(parentId);
+            if (steps == 0)
+                direct = parent;
+            if (parent == this)
+                return true;
+            if (!parent || parent->is_deleted())
+                return false;
+            if (parent->get_parent())
+                return true;
             object = parent;
         }
-        for (ZBDBObject* object : chain)
-            place[object] = answer;
-        return answer == E_InTree;
+        return false;
     };
     for (ZBDBObject* object : m_object) {
         const int parentId = object->get_parent_id();
-        if (parentId < 0 || object->is_deleted()) {
-            object->set_parent_ptr(nullptr, this);
+        if (parentId < 0 || object->is_deleted())
             continue;
-        }
-        if (!in_tree(object)) {
+        ZBDBObject* parent = nullptr;
+        if (!in_tree(object, parent)) {
             // An orphan, and every object below it, leaves the tree as a
             // deleted object with a fresh modify time: it stays in the file as
             // a tombstone for the week that other copies need to see it go,
             // rather than vanishing at the first save because its own times
             // were old.
             object->set_state(ZBDBObject::E_Deleted);
-            object->set_parent_ptr(nullptr, this);
             continue;
         }
-        ZBDBObject* parent = get_object_by_id(parentId);
         if (ZBDBContainerBase* container = parent->get_or_make_container(object->get_obj_container_tag()))
             container->add_object(object);
         if (ZBDBContainerBase* members = parent->get_or_make_container(C_DatabaseAllTag + object->get_member_tag()))

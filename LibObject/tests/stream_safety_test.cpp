@@ -1,11 +1,9 @@
 #include "LibObject/object/zbobject.h"
-#include "LibObject/object/zbpurgeunhandledscope.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <sstream>
-#include <thread>
 
 using namespace Tervalon;
 
@@ -103,8 +101,7 @@ TEST(StreamSafety, NestingIsBoundedAndRefusedWithAMessage)
         int depth;
         bool reads;
     };
-    for (const Case& c : {Case{10, true}, Case{ZBSerialisationEntry::C_MaxNesting, true},
-                          Case{ZBSerialisationEntry::C_MaxNesting + 1, false}, Case{200000, false}}) {
+    for (const Case& c : {Case{ZBSerialisationEntry::C_MaxNesting, true}, Case{ZBSerialisationEntry::C_MaxNesting + 1, false}}) {
         ZBObject* object = nullptr;
         const int result = ZBObject::object_from_string(nested_text(c.depth), object, 0);
         std::unique_ptr<ZBObject> owned(object);
@@ -123,36 +120,6 @@ TEST(StreamSafety, NestingIsBoundedAndRefusedWithAMessage)
         }
         get_zberror().clear_all();
     }
-}
-
-TEST(StreamSafety, PurgingLastsForItsScopeAndItsThreadOnly)
-{
-    std::unique_ptr<ZBObject> object;
-    {
-        ZBObject* read = nullptr;
-        ASSERT_EQ(ZBObject::object_from_string("{SafetyNode\n!Future!kept\n}\n", read, 0), ZBErrC_ok);
-        object.reset(read);
-    }
-    auto text = [&object] {
-        std::string out;
-        object->object_to_string(out, 0);
-        return out;
-    };
-    {
-        ZBPurgeUnhandledScope purge;
-        EXPECT_EQ(text(), "{SafetyNode\n}\n");
-        {
-            ZBPurgeUnhandledScope keep(false);
-            EXPECT_EQ(text(), "{SafetyNode\n!Future!kept\n}\n");
-        }
-        EXPECT_EQ(text(), "{SafetyNode\n}\n");
-        // A write on another thread at the same moment keeps its data.
-        std::string other;
-        std::thread([&] { other = text(); }).join();
-        EXPECT_EQ(other, "{SafetyNode\n!Future!kept\n}\n");
-    }
-    EXPECT_FALSE(ZBObject::get_purge_unhandled());
-    EXPECT_EQ(text(), "{SafetyNode\n!Future!kept\n}\n");
 }
 
 TEST(StreamSafety, SelfTestCatchesAClassThatLosesAField)
@@ -178,11 +145,4 @@ TEST(StreamSafety, SelfTestCatchesAClassThatLosesAField)
     EXPECT_TRUE(iszberr(onCopy.selftest_serialisation(true, 0, &report, nullptr)));
     EXPECT_EQ(report.str(), "Cloned object SafetyLosesOnCopy failed equality test.\n");
     get_zberror().clear_all();
-
-    // A class that loses nothing passes even with unknown data it keeps.
-    ZBObject* read = nullptr;
-    ASSERT_EQ(ZBObject::object_from_string("{SafetyNode\n!V!4\n!Future!x\n}\n", read, 0), ZBErrC_ok);
-    std::unique_ptr<ZBObject> withUnknown(read);
-    report.str("");
-    EXPECT_EQ(withUnknown->selftest_serialisation(false, 0, &report, nullptr), ZBErrC_ok) << report.str();
 }
