@@ -2,6 +2,7 @@
 #include "AppTervalonDiary/cli/clidiary.h"
 #include "AppTervalonDiary/diary/diary.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <ostream>
 
@@ -17,9 +18,14 @@ int read_id(const Diary& diary, const std::string& text)
     return diary.get_entry_id(id) ? id : -1;
 }
 
-bool names_entry(const ZBDBCheckItem& item, int id)
+// The loops the diary has now, as their messages by entry.
+std::vector<std::pair<int, std::string>> current_loops(Diary& diary)
 {
-    return item.get_id() == id;
+    diary.calculate_dependencies();
+    std::vector<std::pair<int, std::string>> loops;
+    for (const ZBDBCheckItem* item : diary.get_circular_dependencies())
+        loops.emplace_back(item->get_id(), item->get_message());
+    return loops;
 }
 } // namespace
 
@@ -54,16 +60,19 @@ int CmdDepend::run_on(CliContext& context, ZBDatabase& db, const std::vector<std
             zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "No entry matches the title \"%s\".", on.c_str());
             return report_failure(context, zberrorvalue());
         }
+        const std::vector<std::pair<int, std::string>> before = current_loops(*diary);
         const bool added = id >= 0 ? depend.add_depend(id) : depend.add_title(on);
         if (!added) {
             zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Entry %d already depends on %s.", entry->get_id(), on.c_str());
             return report_failure(context, zberrorvalue());
         }
-        // A loop is refused here, before it reaches the file.
-        diary->calculate_dependencies();
-        for (const ZBDBCheckItem* item : diary->get_circular_dependencies())
-            if (names_entry(*item, entry->get_id()) || names_entry(*item, found)) {
-                zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s", item->get_message().c_str());
+        // A new loop is refused here, before it reaches the file; one the
+        // file had already is the checker's to report.
+        for (const auto& loop : current_loops(*diary))
+            if (std::find(before.begin(), before.end(), loop) == before.end()) {
+                const DiaryEntry* at = diary->get_entry_id(loop.first);
+                zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "That would make a loop: %s (ID %d): %s",
+                           at ? at->get_summary().c_str() : "", loop.first, loop.second.c_str());
                 return report_failure(context, zberrorvalue());
             }
         const DiaryEntry* other = diary->get_entry_id(found);
