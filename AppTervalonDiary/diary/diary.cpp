@@ -529,6 +529,13 @@ void Diary::set_delayed_range(int resource, const ZBDate& date)
         m_delayed[resource] = date;
 }
 
+DiaryEntry* Diary::lookup_entry(int id) const
+{
+    if (!m_entryTable.empty())
+        return id >= 0 && size_t(id) < m_entryTable.size() ? m_entryTable[size_t(id)] : nullptr;
+    return get_entry_id(id);
+}
+
 int Diary::calculate_dependencies()
 {
     get_checker().clear_error(ZBErrC_CircularDependancy);
@@ -540,6 +547,15 @@ int Diary::calculate_dependencies()
             entry->edit_depend().clear_intermediate();
             all.push_back(entry);
         }
+    }
+    // Ids are given out in order, so a table by id is small; a damaged file
+    // with a few huge ids falls back to the map.
+    m_entryTable.clear();
+    if (next_id() >= 0 && next_id() < 4 * get_nobjects() + 1024) {
+        m_entryTable.assign(size_t(next_id()) + 1, nullptr);
+        for (DiaryEntry* entry : all)
+            if (entry->get_id() >= 0 && entry->get_id() <= next_id())
+                m_entryTable[size_t(entry->get_id())] = entry;
     }
     for (DiaryEntry* entry : all)
         entry->edit_depend().calc_title_blocks(*this);
@@ -555,6 +571,7 @@ int Diary::calculate_dependencies()
         entry->edit_depend().distribute_depends(*this, chain, inChain);
     for (DiaryEntry* entry : m_entries)
         entry->edit_depend().finalise_depends(*this);
+    m_entryTable.clear();
     return ZBErrC_ok;
 }
 

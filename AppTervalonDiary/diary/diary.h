@@ -101,6 +101,9 @@ public:
     int calculate_dependencies();
     // The findings about the entries, for "tervalon check" and the views.
     std::vector<const ZBDBCheckItem*> get_circular_dependencies() const;
+    // A live entry by id; during calculate_dependencies from a table by id,
+    // as the resolution looks entries up millions of times on long chains.
+    DiaryEntry* lookup_entry(int id) const;
 
     // Work time. The free time of a resource is its calendar expanded over
     // the range, less its appointments' time (moved to an appointment's own
@@ -141,6 +144,7 @@ private:
     DiaryImport m_diaryImport;
     std::string m_userData;
     std::map<int, ZBDate> m_delayed;
+    std::vector<DiaryEntry*> m_entryTable;
 };
 
 } // namespace Tervalon

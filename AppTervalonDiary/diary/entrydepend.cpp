@@ -331,7 +331,7 @@ void EntryDepend::calc_title_blocks(Diary& diary)
         const int found = find_title(title, diary, *entry, true);
         if (found < 0 || found == entry->get_id())
             continue;
-        if (DiaryEntry* other = diary.get_entry_id(found))
+        if (DiaryEntry* other = diary.lookup_entry(found))
             other->edit_depend().m_baseDepend.push_back(entry->get_id());
         if (m_doDebug)
             m_debugInfo += "\"" + title + "\" blocks " + std::to_string(found) + "\n";
@@ -344,7 +344,7 @@ void EntryDepend::calc_base_depends(Diary& diary)
     if (!entry)
         return;
     for (int id : m_dependId)
-        if (diary.get_entry_id(id))
+        if (diary.lookup_entry(id))
             m_baseDepend.push_back(id);
     for (const std::string& title : m_dependTitle) {
         const int found = find_title(title, diary, *entry, false);
@@ -382,17 +382,17 @@ void EntryDepend::push_down_direct(const std::vector<int>& inherited, Diary& dia
         return;
     const int id = entry->get_id();
     for (int target : m_dependId)
-        if (DiaryEntry* other = diary.get_entry_id(target))
+        if (DiaryEntry* other = diary.lookup_entry(target))
             push_sorted(other->edit_depend().m_idBlock, id);
     for (int target : m_baseDepend)
-        if (DiaryEntry* other = diary.get_entry_id(target))
+        if (DiaryEntry* other = diary.lookup_entry(target))
             push_sorted(other->edit_depend().m_baseBlock, id);
     merge_sorted(m_baseDepend, inherited);
     m_baseDepend.erase(std::remove(m_baseDepend.begin(), m_baseDepend.end(), id), m_baseDepend.end());
     for (DiaryEntry* child : entry->get_children())
         child->edit_depend().push_down_direct(m_baseDepend, diary);
     for (int target : m_baseDepend) {
-        DiaryEntry* other = diary.get_entry_id(target);
+        DiaryEntry* other = diary.lookup_entry(target);
         if (!other)
             continue;
         const std::vector<int>& back = other->get_depend().m_baseDepend;
@@ -416,7 +416,7 @@ void EntryDepend::distribute_depends(Diary& diary, std::vector<int>& chain, std:
         child->edit_depend().distribute_depends(diary, chain, inChain);
     if (!m_isExpanded) {
         for (int target : m_nonExpanded) {
-            DiaryEntry* other = diary.get_entry_id(target);
+            DiaryEntry* other = diary.lookup_entry(target);
             if (!other)
                 continue;
             if (inChain.count(target)) {
@@ -442,8 +442,10 @@ void EntryDepend::distribute_depends(Diary& diary, std::vector<int>& chain, std:
 
 void EntryDepend::add_reverse(int id, Diary& diary)
 {
-    if (DiaryEntry* other = diary.get_entry_id(id))
-        push_sorted(other->edit_depend().m_dependOnThis, own_id());
+    // Gathered in any order and sorted once by finalise_depends: a long chain
+    // adds to the same lists thousands of times.
+    if (DiaryEntry* other = diary.lookup_entry(id))
+        other->edit_depend().m_dependOnThis.push_back(own_id());
 }
 
 void EntryDepend::finalise_depends(Diary& diary)
@@ -453,6 +455,7 @@ void EntryDepend::finalise_depends(Diary& diary)
         return;
     for (DiaryEntry* child : entry->get_children())
         child->edit_depend().finalise_depends(diary);
+    sort_unique(m_dependOnThis);
     if (m_doDebug) {
         m_debugInfo += "waits for:";
         for (int target : m_fullDepend)
