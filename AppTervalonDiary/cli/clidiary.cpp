@@ -2,7 +2,9 @@
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibCore/error/zberror.h"
 #include "LibDate/date/zbdateparser.h"
+#include "LibDate/date/zbdatedetails.h"
 #include "LibDate/date/zbdateutils.h"
+#include "LibDate/date/zblocale.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -44,6 +46,28 @@ int CliDiary::read_duration(const std::string& text, ZBDuration& out)
     if (iszbwarn(out.from_string(text)))
         return zbpass(ZBLOC);
     return ZBErrC_ok;
+}
+
+ZBDate CliDiary::day_start(const ZBDate& date)
+{
+    ZBDateDetails details(date, zblocale().get_timezone());
+    details.m_hour = 0;
+    details.m_minute = 0;
+    details.m_second = 0;
+    details.m_micro = 0;
+    details.recalculate();
+    return details.get_date(details.get_timezone());
+}
+
+ZBDate CliDiary::day_end(const ZBDate& date)
+{
+    ZBDateDetails details(date, zblocale().get_timezone());
+    details.m_hour = 23;
+    details.m_minute = 59;
+    details.m_second = 59;
+    details.m_micro = 0;
+    details.recalculate();
+    return details.get_date(details.get_timezone());
 }
 
 int CliDiary::read_number(const std::string& text, double& out)

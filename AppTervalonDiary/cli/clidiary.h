@@ -22,6 +22,9 @@ public:
     static int get_entry(Diary& diary, const std::string& idText, DiaryEntry*& out);
     static int read_date(const std::string& text, ZBDate& out);
     static int read_duration(const std::string& text, ZBDuration& out);
+    // The first and the last second of the day of a date, in the locale's zone.
+    static ZBDate day_start(const ZBDate& date);
+    static ZBDate day_end(const ZBDate& date);
     static int read_number(const std::string& text, double& out);
     // Sets one field by name, as the set command and add's options do.
     static int set_field(Diary& diary, DiaryEntry& entry, const std::string& field, const std::string& value);

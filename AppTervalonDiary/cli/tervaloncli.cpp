@@ -1,6 +1,10 @@
 #include "AppTervalonDiary/cli/tervaloncli.h"
 #include "AppTervalonDiary/cli/cmdadd.h"
+#include "AppTervalonDiary/cli/cmdcalendar.h"
 #include "AppTervalonDiary/cli/cmdcheck.h"
+#include "AppTervalonDiary/cli/cmddepend.h"
+#include "AppTervalonDiary/cli/cmdresource.h"
+#include "AppTervalonDiary/cli/cmdtimetype.h"
 #include "AppTervalonDiary/cli/cmddone.h"
 #include "AppTervalonDiary/cli/cmdpostpone.h"
 #include "AppTervalonDiary/cli/cmdrm.h"
@@ -38,6 +42,11 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdSet()));
     add_command(std::unique_ptr<CliCommand>(new CmdRm()));
     add_command(std::unique_ptr<CliCommand>(new CmdSpec()));
+    add_command(std::unique_ptr<CliCommand>(new CmdDepend(true)));
+    add_command(std::unique_ptr<CliCommand>(new CmdDepend(false)));
+    add_command(std::unique_ptr<CliCommand>(new CmdCalendar()));
+    add_command(std::unique_ptr<CliCommand>(new CmdResource()));
+    add_command(std::unique_ptr<CliCommand>(new CmdTimeType()));
 }
 
 TervalonCli::~TervalonCli() = default;

@@ -1,9 +1,12 @@
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibDatabase/db/zbobjectspec.h"
+#include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zblocale.h"
 #include "LibObject/object/zbdump.h"
 
+#include <algorithm>
 #include <ostream>
+#include <unordered_set>
 
 namespace Tervalon {
 
@@ -98,16 +101,224 @@ int Diary::initialise(bool created)
         }
         complete_operation("Initialise");
     }
-    if (!m_calendar.default_created())
-        setup_default_calendar();
+    setup_default_calendar();
     zblocale().set_workhours(m_settings.get_workhours());
     m_recalcMgr.set_initialising(false);
     return ZBErrC_ok;
 }
 
+namespace {
+// A calendar marked as set up but holding nothing was written before
+// calendars had day types: it is set up afresh.
+bool needs_defaults(const ResourceCalendar& calendar)
+{
+    if (!calendar.default_created())
+        return true;
+    if (calendar.get_ndaytypes() > 0 || calendar.get_nentries() > 0)
+        return false;
+    for (int day = 0; day < 7; ++day)
+        if (calendar.get_standard_day(day) != ResourceCalendar::C_DefaultStdDay)
+            return false;
+    return true;
+}
+} // namespace
+
 void Diary::setup_default_calendar()
 {
-    m_calendar.set_default_created(true);
+    TimeType* work = get_timetype_by_name(TimeType::C_DefaultName);
+    if (!work) {
+        if (iszbwarn(add_timetype(TimeType::C_DefaultName, &work)))
+            return;
+        complete_operation("Create Time Type");
+    }
+    const bool multiUser = is_multi_user();
+    if (needs_defaults(m_calendar))
+        m_calendar.setup_defaults(true, multiUser, work->get_id());
+    for (Resource* resource : m_resources)
+        if (needs_defaults(resource->get_calendar()))
+            resource->edit_calendar().setup_defaults(false, multiUser, work->get_id());
+}
+
+bool Diary::is_multi_user() const
+{
+    return m_settings.has_feature(DiarySettings::C_FeatureMultiUser);
+}
+
+const Resource* Diary::resource_or_first(int id) const
+{
+    const Resource* resource = get_resource_by_id(id);
+    return resource ? resource : (m_resources.size() ? m_resources.get(0) : nullptr);
+}
+
+int Diary::allocate_times(Resource& resource, const ZBDate& start, const ZBDate& end)
+{
+    if (iszbwarn(resource.allocate_times(start, end, &m_calendar, this)))
+        return zbpass(ZBLOC);
+    ZBDateSetGroup& group = resource.edit_avail_time();
+    const ZBDateSlot range(start, end);
+    ZBDateSet taken;
+    std::vector<std::pair<std::string, std::vector<ZBDateSlot>>> moved;
+    ZBDateSet planned;
+    for (int i = 0; i < get_nobjects(); ++i) {
+        const DiaryEntry* entry = dynamic_cast<const DiaryEntry*>(get_object_by_index(i));
+        if (!entry || entry->is_deleted() || entry->get_props().get_resource_calc() != resource.get_id())
+            continue;
+        if (entry->get_derived_entrytype() == 'T') {
+            if (!entry->get_plan().get_planned().empty())
+                planned.add(entry->get_plan().get_planned());
+            continue;
+        }
+        if (entry->get_derived_entrytype() != 'A' || entry->get_nchildren() > 0)
+            continue;
+        const int timeType = entry->get_props().get_timetype_calc();
+        if (timeType == TimeType::C_FreeTimeTypeId)
+            continue;
+        std::vector<ZBDateSlot> instances;
+        if (entry->get_repeat().is_repeating()) {
+            // Bounded: an appointment every minute for years is not a calendar.
+            entry->get_repeat().generate_slots(entry->get_time().calc, range, 100000, nullptr, instances);
+        } else if (entry->get_time().calc.is_ok()) {
+            instances.push_back(entry->get_time().calc);
+        }
+        for (const ZBDateSlot& slot : instances)
+            if (slot.m_start < slot.m_end)
+                taken.bulk_add(slot, resource.get_id());
+        // An appointment of a real time type keeps its time for that kind of work.
+        const TimeType* own = timeType >= 0 ? get_timetype_by_id(timeType) : nullptr;
+        if (own && !instances.empty())
+            moved.emplace_back(own->get_name(), std::move(instances));
+    }
+    taken.finish_bulk_add();
+    group.subtract(taken);
+    for (const auto& appointment : moved) {
+        ZBDateSet* set = ResourceCalendar::get_group_set(group, appointment.first, true);
+        for (const ZBDateSlot& slot : appointment.second)
+            if (slot.m_start < slot.m_end)
+                set->add(slot, resource.get_id());
+    }
+    group.subtract(planned);
+    return ZBErrC_ok;
+}
+
+int Diary::allocate_times(const ZBDate& start, const ZBDate& end)
+{
+    for (int i = 0; i < m_resources.size(); ++i) {
+        if (i > 0 && !is_multi_user())
+            break;
+        if (iszbwarn(allocate_times(*m_resources.get(i), start, end)))
+            return zbpass(ZBLOC);
+    }
+    return ZBErrC_ok;
+}
+
+bool Diary::validate_calendars(std::string& text) const
+{
+    auto check = [&](const ResourceCalendar& calendar, const std::string& owner) {
+        for (int i = 0; i < calendar.get_ndaytypes(); ++i) {
+            DayType copy = *calendar.get_daytype_by_index(i);
+            std::string fault;
+            if (!copy.validate(fault)) {
+                text = owner + ", " + copy.get_name() + ": " + fault;
+                return false;
+            }
+        }
+        return true;
+    };
+    if (!check(m_calendar, "Default calendar"))
+        return false;
+    for (const Resource* resource : m_resources)
+        if (!check(resource->get_calendar(), resource->get_username()))
+            return false;
+    return true;
+}
+
+int Diary::get_free_time(ZBDateSet& set, const ZBDateSlot& slot, int entryId, bool combined,
+                         const ZBDuration& margin) const
+{
+    set.clear();
+    const DiaryEntry* entry = get_entry_id(entryId);
+    if (!entry) {
+        set.add(slot, 0);
+        return ZBErrC_ok;
+    }
+    const Resource* resource = resource_or_first(entry->get_props().get_resource_calc());
+    if (!resource)
+        return ZBErrC_ok;
+    const ZBDateSetGroup& group = resource->get_avail_time();
+    if (combined) {
+        if (iszbwarn(group.get_combined(set)))
+            return zbpass(ZBLOC);
+    } else {
+        const std::string name = get_timetype_name_by_id(entry->get_props().get_timetype_calc());
+        const ZBDateSet* own = nullptr;
+        for (int i = 0; i < group.get_ndatesets() && !own; ++i)
+            if (group.get_dateset_name_by_index(i) == name)
+                own = group.get_dateset_by_index(i);
+        if (!own && group.get_ndatesets() > 0)
+            own = group.get_dateset_by_index(0);
+        if (own)
+            set.add(*own);
+    }
+    const ZBDate from = slot.m_start - margin;
+    set.subtract(ZBDateSlot(ZBDate(ZBDate::E_Zero), from), -1);
+    ZBDate limit = ZBDateUtils::read_date("now +10y");
+    if (slot.m_end.is_ok() && slot.m_end < limit)
+        limit = slot.m_end;
+    if (!set.empty() && limit < set.end())
+        set.subtract(ZBDateSlot(limit, set.end()), -1);
+    return ZBErrC_ok;
+}
+
+ZBDuration Diary::get_leave_days(const ZBDateSlot& slot, int resourceId) const
+{
+    const Resource* resource = resource_or_first(resourceId);
+    if (!resource || !slot.is_ok())
+        return ZBDuration();
+    ZBDateSetGroup group;
+    WorkDayList days;
+    ZBDateSetGroup usual;
+    WorkDayList usualDays;
+    resource->get_calendar().allocate_times(slot.m_start, slot.m_end, resource->get_id(), group, days, &m_calendar,
+                                            this);
+    // The same calendar with no exceptions says what the weekdays would be.
+    ResourceCalendar plain = resource->get_calendar();
+    while (plain.get_nentries() > 0)
+        plain.delete_entry(0);
+    ResourceCalendar plainDefault = m_calendar;
+    while (plainDefault.get_nentries() > 0)
+        plainDefault.delete_entry(0);
+    plain.allocate_times(slot.m_start, slot.m_end, resource->get_id(), usual, usualDays, &plainDefault, this);
+    const std::vector<int> off = days.get_nonworking_days(-1);
+    const std::vector<int> usuallyOff = usualDays.get_nonworking_days(-1);
+    std::int64_t leave = 0;
+    for (int day : off)
+        if (!std::binary_search(usuallyOff.begin(), usuallyOff.end(), day))
+            ++leave;
+    return ZBDuration(leave, 0, 0);
+}
+
+ZBDuration Diary::get_avail_time(const ZBDateSlot& slot, int resourceId) const
+{
+    const Resource* resource = resource_or_first(resourceId);
+    if (!resource || !slot.is_ok())
+        return ZBDuration();
+    ZBDateSetGroup group;
+    WorkDayList days;
+    resource->get_calendar().allocate_times(slot.m_start, slot.m_end, resource->get_id(), group, days, &m_calendar,
+                                            this);
+    ZBDateSet combined;
+    group.get_combined(combined);
+    return combined.query_range(slot, -1);
+}
+
+ZBDuration Diary::get_free_time(const ZBDateSlot& slot, int resourceId) const
+{
+    const Resource* resource = resource_or_first(resourceId);
+    if (!resource || !slot.is_ok())
+        return ZBDuration();
+    ZBDateSet combined;
+    resource->get_avail_time().get_combined(combined);
+    return combined.query_range(slot, -1);
 }
 
 int Diary::create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out)
@@ -332,6 +543,61 @@ void Diary::set_delayed_range(int resource, const ZBDate& date)
         m_delayed[resource] = date;
 }
 
+DiaryEntry* Diary::lookup_entry(int id) const
+{
+    if (!m_entryTable.empty())
+        return id >= 0 && size_t(id) < m_entryTable.size() ? m_entryTable[size_t(id)] : nullptr;
+    return get_entry_id(id);
+}
+
+int Diary::calculate_dependencies()
+{
+    get_checker().clear_error(ZBErrC_CircularDependancy);
+    std::vector<DiaryEntry*> all;
+    all.reserve(size_t(get_nobjects()));
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (entry && !entry->is_deleted()) {
+            entry->edit_depend().clear_intermediate();
+            all.push_back(entry);
+        }
+    }
+    // Ids are given out in order, so a table by id is small; a damaged file
+    // with a few huge ids falls back to the map.
+    m_entryTable.clear();
+    if (next_id() >= 0 && next_id() < 4 * get_nobjects() + 1024) {
+        m_entryTable.assign(size_t(next_id()) + 1, nullptr);
+        for (DiaryEntry* entry : all)
+            if (entry->get_id() >= 0 && entry->get_id() <= next_id())
+                m_entryTable[size_t(entry->get_id())] = entry;
+    }
+    for (DiaryEntry* entry : all)
+        entry->edit_depend().calc_title_blocks(*this);
+    for (DiaryEntry* entry : all)
+        entry->edit_depend().calc_base_depends(*this);
+    for (DiaryEntry* entry : m_entries)
+        entry->edit_depend().calculate_leaf_nodes(*this);
+    for (DiaryEntry* entry : m_entries)
+        entry->edit_depend().push_down_direct(std::vector<int>(), *this);
+    std::vector<int> chain;
+    std::unordered_set<int> inChain;
+    for (DiaryEntry* entry : m_entries)
+        entry->edit_depend().distribute_depends(*this, chain, inChain);
+    for (DiaryEntry* entry : m_entries)
+        entry->edit_depend().finalise_depends(*this);
+    m_entryTable.clear();
+    return ZBErrC_ok;
+}
+
+std::vector<const ZBDBCheckItem*> Diary::get_circular_dependencies() const
+{
+    std::vector<const ZBDBCheckItem*> result;
+    for (int i = 0; i < get_checker().get_nitems(); ++i)
+        if (get_checker().get_item_by_index(i)->get_error_code() == ZBErrC_CircularDependancy)
+            result.push_back(get_checker().get_item_by_index(i));
+    return result;
+}
+
 void Diary::containers_resolved()
 {
     ZBDiary::containers_resolved();
@@ -344,7 +610,7 @@ int Diary::recalculate_entry(DiaryEntry& entry)
     for (DiaryEntry* child : entry.get_children())
         if (iszbwarn(recalculate_entry(*child)))
             return zbpass(ZBLOC);
-    // Types and slots come from the children, so they are settled on the way up.
+    // Types and instances come from the children, so they are settled on the way up.
     entry.calc_derived_entrytype();
     entry.edit_etime().recalculate_date();
     entry.update_first_plan();

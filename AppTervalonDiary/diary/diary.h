@@ -96,12 +96,42 @@ public:
     void set_session_id(int id) { m_sessionId = id; }
     bool has_plans() const { return m_hasPlans; }
 
+    // Resolves every entry's dependencies into the flat lists the planner
+    // uses; circular links go to the checker and are not followed.
+    int calculate_dependencies();
+    // The findings about the entries, for "tervalon check" and the views.
+    std::vector<const ZBDBCheckItem*> get_circular_dependencies() const;
+    // A live entry by id; during calculate_dependencies from a table by id,
+    // as the resolution looks entries up millions of times on long chains.
+    DiaryEntry* lookup_entry(int id) const;
+
+    // Work time. The free time of a resource is its calendar expanded over
+    // the range, less its appointments' time (moved to an appointment's own
+    // time type where it has one) and its tasks' fixed plans.
+    int allocate_times(Resource& resource, const ZBDate& start, const ZBDate& end);
+    // Every resource in a multi-user diary, otherwise the first one only.
+    int allocate_times(const ZBDate& start, const ZBDate& end);
+    bool is_multi_user() const;
+    // Checks every day type of every calendar; the first fault goes to text.
+    bool validate_calendars(std::string& text) const;
+    // What an entry could use of slot: its resource's time of its time type
+    // (or of every type, combined). margin lets it start that much earlier.
+    int get_free_time(ZBDateSet& set, const ZBDateSlot& slot, int entryId, bool combined,
+                      const ZBDuration& margin) const;
+    // Days in slot that the resource would work by the weekday but has off.
+    ZBDuration get_leave_days(const ZBDateSlot& slot, int resourceId) const;
+    // The calendar's time in slot, before appointments and plans.
+    ZBDuration get_avail_time(const ZBDateSlot& slot, int resourceId) const;
+    // What the last allocate_times left free in slot.
+    ZBDuration get_free_time(const ZBDateSlot& slot, int resourceId) const;
+
     bool is_delayed_range(int resource, const ZBDate& date) const;
     void set_delayed_range(int resource, const ZBDate& date);
 
 private:
     int recalculate_entry(DiaryEntry& entry);
     void setup_default_calendar();
+    const Resource* resource_or_first(int id) const;
 
     ZBDBContainer<DiaryEntry> m_entries;
     ZBDBContainer<Resource> m_resources;
@@ -114,6 +144,7 @@ private:
     DiaryImport m_diaryImport;
     std::string m_userData;
     std::map<int, ZBDate> m_delayed;
+    std::vector<DiaryEntry*> m_entryTable;
 };
 
 } // namespace Tervalon

@@ -520,7 +520,7 @@ bool DiaryEntry::is_active() const
 {
     if (is_complete())
         return false;
-    if (get_depend().get_active_depends() > 0)
+    if (get_depend().get_activedepends() > 0)
         return false;
     if (get_nchildren() == 0) {
         const ZBDate& start = m_start.calc;
@@ -530,6 +530,23 @@ bool DiaryEntry::is_active() const
         if (child->is_active())
             return true;
     return false;
+}
+
+void DiaryEntry::upgrade_active_depend(Diary& diary)
+{
+    // Zero first, so that a loop back to this entry finds it settled.
+    edit_depend().set_activedepends(0);
+    for (int id : get_depend().get_full_depends()) {
+        DiaryEntry* other = diary.get_entry_id(id);
+        if (!other)
+            continue;
+        if (other->get_depend().get_activedepends() < 0)
+            other->upgrade_active_depend(diary);
+        if (other->is_active() || other->get_depend().get_activedepends() > 0) {
+            edit_depend().set_activedepends(1);
+            return;
+        }
+    }
 }
 
 void DiaryEntry::changed()
@@ -1015,7 +1032,7 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int)
     m_duration.set_calc(progress);
     m_priorityFacet.set_nondue_priority(m_priority.calc);
     if (m_depend)
-        m_depend->set_active_depends(0);
+        m_depend->set_activedepends(0);
     return ZBErrC_ok;
 }
 

@@ -131,6 +131,9 @@ public:
     // The user's own completion decides, not the children's progress.
     bool is_complete() const override { return m_duration.orig.get_completion() >= 100.0; }
     bool is_active() const;
+    // Whether anything the entry waits for is still active (or itself
+    // blocked); works out those it needs first.
+    void upgrade_active_depend(Diary& diary);
     int set_completion(double percent, bool quiet);
     int mark_complete(const ZBDate& date) override;
     // System values the planner keeps itself: the children of the entry

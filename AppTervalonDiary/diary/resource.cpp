@@ -83,3 +83,27 @@ bool Resource::still_working(const ZBDate& date, const ZBDuration& margin) const
 }
 
 } // namespace Tervalon
+
+namespace Tervalon {
+
+int Resource::allocate_times(const ZBDate& start, const ZBDate& end, const ResourceCalendar* defaultCalendar,
+                             const Diary* diary)
+{
+    ZBDate from = start;
+    ZBDate to = end;
+    if (m_startDate.is_ok() && from < m_startDate)
+        from = m_startDate;
+    if (m_endDate.is_ok() && m_endDate < to)
+        to = m_endDate;
+    if (to < from) {
+        // The resource does not work at all in the range.
+        m_availTime = ZBDateSetGroup();
+        m_workDays.clear();
+        return ZBErrC_ok;
+    }
+    if (iszbwarn(m_calendar.allocate_times(from, to, get_id(), m_availTime, m_workDays, defaultCalendar, diary)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+} // namespace Tervalon

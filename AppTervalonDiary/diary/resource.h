@@ -1,14 +1,18 @@
 #pragma once
 
 #include "AppTervalonDiary/diary/resourcecalendar.h"
+#include "AppTervalonDiary/diary/workdaylist.h"
 #include "LibDatabase/db/zbdbobject.h"
 #include "LibDatabase/db/zbdbuser.h"
 #include "LibDate/date/zbdate.h"
 #include "LibDate/date/zbduration.h"
+#include "LibDate/dateset/zbdatesetgroup.h"
 
 #include <string>
 
 namespace Tervalon {
+
+class Diary;
 
 // A person who does work, with the dates they work between and their own
 // calendar. The diary owns its resources; the first one is the default.
@@ -45,10 +49,22 @@ public:
     ResourceCalendar& edit_calendar() { return m_calendar; }
     static int compare_name(const Resource& a, const Resource& b) { return b.get_username() < a.get_username(); }
 
+    // The free time per time type and the working days that the last
+    // allocate_times worked out; not stored.
+    const ZBDateSetGroup& get_avail_time() const { return m_availTime; }
+    ZBDateSetGroup& edit_avail_time() { return m_availTime; }
+    const WorkDayList& get_workday_list() const { return m_workDays; }
+    // Expands the calendar between start and end, kept within the dates the
+    // resource works between.
+    int allocate_times(const ZBDate& start, const ZBDate& end, const ResourceCalendar* defaultCalendar,
+                       const Diary* diary);
+
 private:
     ZBDate m_startDate;
     ZBDate m_endDate;
     ResourceCalendar m_calendar;
+    ZBDateSetGroup m_availTime;
+    WorkDayList m_workDays;
 };
 
 } // namespace Tervalon

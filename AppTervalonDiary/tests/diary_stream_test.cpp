@@ -75,8 +75,8 @@ Ids make_diary(Diary& diary)
     task->edit_spent().add_session(slot("3-Mar-2026 14:00", "3-Mar-2026 15:00"), ids.sam);
     task->edit_spent().set_closed(at("1-Mar-2026 18:00"));
     task->edit_plan().edit_planned().add(slot("4-Mar-2026 09:00", "4-Mar-2026 11:00"), ids.sam);
-    task->edit_depend().set_prevent_others(true);
-    task->edit_depend().set_prevent_depend(true);
+    task->edit_depend().set_preventothers(true);
+    task->edit_depend().set_preventdepend(true);
     task->edit_command().set_expanded_command("fetch now\nbuild all");
     task->edit_command().set_exec_command("fetch");
     task->set_text("First line\nsecond line with a \\ and a ! mark");
@@ -177,8 +177,8 @@ TEST_F(DiaryStream, FacetsAreWrittenInOrderAndReadBack)
     EXPECT_EQ(task->get_spent().get_closed(), at("1-Mar-2026 18:00"));
     ASSERT_EQ(task->get_plan().get_planned().size(), 1);
     EXPECT_EQ(task->get_plan().get_planned().start(), at("4-Mar-2026 09:00"));
-    EXPECT_TRUE(task->get_depend().get_prevent_others());
-    EXPECT_TRUE(task->get_depend().get_prevent_depend());
+    EXPECT_TRUE(task->get_depend().get_preventothers());
+    EXPECT_TRUE(task->get_depend().get_preventdepend());
     EXPECT_EQ(task->get_command().get_expanded_command(), "fetch now\nbuild all");
     EXPECT_EQ(task->get_command().get_exec_command(), "fetch");
     EXPECT_EQ(task->get_start().orig, at("3-Mar-2026 08:00"));

@@ -44,7 +44,7 @@ protected:
         entry.edit_plan().edit_planned().add(kSession, 0);
         entry.edit_spent().edit_sessions().add(kSession, 0);
         entry.edit_baseline().set_duration(ZBDuration(7200));
-        entry.edit_depend().set_active_depends(2);
+        entry.edit_depend().set_activedepends(2);
         entry.edit_command().set_command("make report");
     }
     static void expect_defaults(const DiaryEntry& entry)
@@ -52,7 +52,7 @@ protected:
         EXPECT_TRUE(entry.get_plan().get_planned().empty());
         EXPECT_TRUE(entry.get_spent().get_sessions().empty());
         EXPECT_TRUE(entry.get_baseline().get_duration().orig.is_zero());
-        EXPECT_EQ(entry.get_depend().get_active_depends(), 0);
+        EXPECT_EQ(entry.get_depend().get_activedepends(), -1);
         EXPECT_EQ(entry.get_command().get_command(), "");
     }
 
@@ -102,7 +102,7 @@ TEST_F(EntryFacetSharing, ReadingBackGivesTheSameTextAndRevertDropsNewFacets)
     ASSERT_FALSE(iszbwarn(read.object_from_string(text, 0)));
     EXPECT_EQ(text_of(read), text);
     EXPECT_EQ(read.get_plan().get_planned().size(), 1);
-    EXPECT_EQ(read.get_depend().get_active_depends(), 0) << "not a stored field";
+    EXPECT_EQ(read.get_depend().get_activedepends(), -1) << "not a stored field";
 
     // An edit that adds facets and is then reverted leaves none of them behind.
     const std::string before = text_of(*second);

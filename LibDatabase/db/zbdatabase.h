@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LibDatabase/db/zbdbchecker.h"
 #include "LibDatabase/db/zbdbobject.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
@@ -194,6 +195,10 @@ public:
     // Closes one user action; the undo machinery records it.
     virtual int complete_operation(const std::string& operation);
 
+    // The findings of the data check about this database's objects.
+    ZBDBChecker& get_checker() { return m_checker; }
+    const ZBDBChecker& get_checker() const { return m_checker; }
+
     // The background thread.
     int start_recalc_thread(int priority);
     void stop_recalc_thread();
@@ -273,6 +278,7 @@ private:
     bool m_recalcComplete;
     QMutex m_recalcMutex;
     QMutex m_pauseMutex;
+    ZBDBChecker m_checker;
 };
 
 // Makes the concrete database class an application needs.
