@@ -102,7 +102,13 @@ int Diary::initialise(bool created)
         complete_operation("Initialise");
     }
     setup_default_calendar();
-    zblocale().set_workhours(m_settings.get_workhours());
+    // The locale is shared with the recalculation thread: a change installs a
+    // changed copy rather than writing to the one in use.
+    double hours = m_settings.get_workhours();
+    if (!(hours > 0 && hours <= 24))
+        hours = 8.0;
+    if (zblocale().get_workhours() != hours)
+        update_zblocale([hours](ZBLocale& locale) { locale.set_workhours(hours); });
     m_recalcMgr.set_initialising(false);
     return ZBErrC_ok;
 }
