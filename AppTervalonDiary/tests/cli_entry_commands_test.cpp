@@ -294,11 +294,12 @@ TEST_F(EntryCommands, RmTakesTheWholeBranchAndNothingElse)
     }
     ASSERT_EQ(tervalon({"rm", file, project}).status, 0);
     EXPECT_EQ(tree(), keep + " T Keep  0%\n");
-    // Only the default resource, the eight default specs and the one entry
-    // are left in the file, with the four removed entries kept as deleted.
+    // Only the default resource, the "Work" time type, the eight default specs
+    // and the one entry are left in the file, with the four removed entries
+    // kept as deleted.
     CliRun check = tervalon({"check", file});
     EXPECT_EQ(check.status, 0) << check.err;
-    EXPECT_EQ(check.out, "Application type: TervalonDiary\nObjects: 10\nDeleted objects kept: 4\n");
+    EXPECT_EQ(check.out, "Application type: TervalonDiary\nObjects: 11\nDeleted objects kept: 4\n");
     EXPECT_EQ(tervalon({"rm", file, deep}).status, 1);
 }
 
