@@ -29,6 +29,62 @@ void clone_children(const ZBPtrArray<ZBDBObject>& from, ZBPtrArray<ZBDBObject>& 
 }
 } // namespace
 
+// An array made on its first element: most nodes hold no variables, and an
+// empty array costs as much as a pointer to one several times over.
+template <class T>
+class OnDemandArray {
+public:
+    OnDemandArray() = default;
+    OnDemandArray(const OnDemandArray& other) { *this = other; }
+    OnDemandArray& operator=(const OnDemandArray& other)
+    {
+        if (this != &other)
+            m_array.reset(other.empty() ? nullptr : new ZBPtrArray<T>(*other.m_array));
+        return *this;
+    }
+    OnDemandArray& operator=(ZBPtrArray<T>&& other)
+    {
+        if (other.empty())
+            m_array.reset();
+        else
+            edit() = std::move(other);
+        return *this;
+    }
+
+    const ZBPtrArray<T>& view() const
+    {
+        static const ZBPtrArray<T> none;
+        return m_array ? *m_array : none;
+    }
+    ZBPtrArray<T>& edit()
+    {
+        if (!m_array)
+            m_array.reset(new ZBPtrArray<T>());
+        return *m_array;
+    }
+
+    int size() const { return m_array ? m_array->size() : 0; }
+    bool empty() const { return size() == 0; }
+    T* operator[](int index) const { return view().at(index); }
+    T* at(int index) const { return view().at(index); }
+    typename std::vector<T*>::const_iterator begin() const { return view().begin(); }
+    typename std::vector<T*>::const_iterator end() const { return view().end(); }
+    int remove(int index) { return edit().remove(index); }
+    void insert(int index, T* element) { edit().insert(index, element); }
+    void push_back(T* element) { edit().push_back(element); }
+    T* extract(int index) { return edit().extract(index); }
+    // A new array is managed, so none is made to say so.
+    void set_managed(bool managed)
+    {
+        if (m_array || !managed)
+            edit().set_managed(managed);
+    }
+    void clear() { m_array.reset(); }
+
+private:
+    std::unique_ptr<ZBPtrArray<T>> m_array;
+};
+
 struct ZBDBObject::Node {
     Node() : m_createTime(ZBDate::E_Blank), m_modifyTime(ZBDate::E_Blank) {}
 
@@ -38,8 +94,8 @@ struct ZBDBObject::Node {
     ZBDate m_createTime;
     ZBDate m_modifyTime;
     int m_createID = -1;
-    ZBPtrArray<std::string> m_variable;
-    ZBPtrArray<ZBVariable> m_vars;
+    OnDemandArray<std::string> m_variable;
+    OnDemandArray<ZBVariable> m_vars;
 
     // Not stored.
     ZBDBObject* m_parent = nullptr;
@@ -259,7 +315,13 @@ int ZBDBObject::serialise(std::istream* in, std::ostream* out, const std::string
             n.m_variable.push_back(new std::string(text));
         m_varsChanged = false;
     }
-    serialise_string_array(in, out, prefix, "V", n.m_variable);
+    if (in) {
+        ZBPtrArray<std::string> read;
+        serialise_string_array(in, nullptr, prefix, "V", read);
+        n.m_variable = std::move(read);
+    } else if (out && !n.m_variable.empty()) {
+        serialise_string_array(nullptr, out, prefix, "V", n.m_variable.edit());
+    }
     if (in && (!n.m_vars.empty() || !n.m_variable.empty())) {
         // Read over a live object (a revert, a replayed change): values at
         // their default were not written, so they go back to the spec's text.
@@ -429,12 +491,12 @@ const std::vector<ZBDBObjectLink>& ZBDBObject::get_all_links() const
 
 ZBPtrArray<std::string>& ZBDBObject::get_variable_text()
 {
-    return node().m_variable;
+    return node().m_variable.edit();
 }
 
 const ZBPtrArray<std::string>& ZBDBObject::get_variable_text() const
 {
-    return node_or_blank().m_variable;
+    return node_or_blank().m_variable.view();
 }
 
 ZBVariable* ZBDBObject::get_var_by_index(int index) const
