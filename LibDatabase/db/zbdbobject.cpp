@@ -85,6 +85,44 @@ private:
     std::unique_ptr<ZBPtrArray<T>> m_array;
 };
 
+// The containers of a node, in the order they were added. Almost every node
+// that has any has one, its class's own, so the first is held in place and
+// only further ones, and the containers made on demand, which the list owns,
+// take arrays of their own.
+class ContainerList {
+public:
+    int size() const { return m_first ? 1 + (m_more ? int(m_more->rest.size()) : 0) : 0; }
+    ZBDBContainerBase* operator[](int index) const { return index == 0 ? m_first : m_more->rest[size_t(index - 1)]; }
+    void push_back(ZBDBContainerBase* container)
+    {
+        if (!m_first)
+            m_first = container;
+        else
+            more().rest.push_back(container);
+    }
+    ZBDBContainerBase* adopt(ZBDBContainerBase* container)
+    {
+        more().own.emplace_back(container);
+        push_back(container);
+        return container;
+    }
+
+private:
+    struct More {
+        std::vector<ZBDBContainerBase*> rest;
+        std::vector<std::unique_ptr<ZBDBContainerBase>> own;
+    };
+    More& more()
+    {
+        if (!m_more)
+            m_more.reset(new More());
+        return *m_more;
+    }
+
+    ZBDBContainerBase* m_first = nullptr;
+    std::unique_ptr<More> m_more;
+};
+
 struct ZBDBObject::Node {
     Node() : m_createTime(ZBDate::E_Blank), m_modifyTime(ZBDate::E_Blank) {}
 
@@ -100,9 +138,8 @@ struct ZBDBObject::Node {
     // Not stored.
     ZBDBObject* m_parent = nullptr;
     ZBDatabase* m_database = nullptr;
-    // Non-owning: a class's own containers are its members, the rest are in m_ownContainers.
-    std::vector<ZBDBContainerBase*> m_containers;
-    std::vector<std::unique_ptr<ZBDBContainerBase>> m_ownContainers;
+    // A class's own containers are its members; the list owns those made on demand.
+    ContainerList m_containers;
 
     // The stored members back to their defaults; the place in the tree stays.
     void clear_stored()
@@ -527,17 +564,17 @@ void ZBDBObject::clear_scripts()
 
 int ZBDBObject::get_ncontainers() const
 {
-    return int(node_or_blank().m_containers.size());
+    return node_or_blank().m_containers.size();
 }
 
 ZBDBContainerBase* ZBDBObject::get_container_no(int index) const
 {
-    const std::vector<ZBDBContainerBase*>& containers = node_or_blank().m_containers;
-    if (index < 0 || index >= int(containers.size())) {
-        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, int(containers.size()));
+    const ContainerList& containers = node_or_blank().m_containers;
+    if (index < 0 || index >= containers.size()) {
+        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, containers.size());
         return nullptr;
     }
-    return containers[size_t(index)];
+    return containers[index];
 }
 
 // ---------------------------------------------------------------- editing
@@ -846,9 +883,10 @@ void ZBDBObject::add_container(ZBDBContainerBase& container)
 
 ZBDBContainerBase* ZBDBObject::get_container(const std::string& tag) const
 {
-    for (ZBDBContainerBase* container : node_or_blank().m_containers)
-        if (container->get_tag() == tag)
-            return container;
+    const ContainerList& containers = node_or_blank().m_containers;
+    for (int i = 0; i < containers.size(); ++i)
+        if (containers[i]->get_tag() == tag)
+            return containers[i];
     return nullptr;
 }
 
@@ -858,10 +896,7 @@ ZBDBContainerBase* ZBDBObject::get_or_make_container(const std::string& tag)
         return container;
     if (!allow_children())
         return nullptr;
-    Node& n = node();
-    n.m_ownContainers.emplace_back(new ZBDBContainer<ZBDBObject>(tag));
-    n.m_containers.push_back(n.m_ownContainers.back().get());
-    return n.m_containers.back();
+    return node().m_containers.adopt(new ZBDBContainer<ZBDBObject>(tag));
 }
 
 void ZBDBObject::remap_container(const std::string& from, const std::string& to)
@@ -873,8 +908,8 @@ void ZBDBObject::remap_container(const std::string& from, const std::string& to)
 void ZBDBObject::clear_containers()
 {
     if (m_node)
-        for (ZBDBContainerBase* container : m_node->m_containers)
-            container->clear();
+        for (int i = 0; i < m_node->m_containers.size(); ++i)
+            m_node->m_containers[i]->clear();
 }
 
 // ---------------------------------------------------------------- variables
