@@ -155,6 +155,21 @@ void ZBObject::take_serentries(ZBPtrArray<ZBSerialisationEntry>& into)
 // ---------------------------------------------------------------- field operations
 
 namespace {
+// Tags are a few letters, and every field of every object read compares its tag
+// with those still unread: a loop beats a call to memcmp for each.
+bool same_tag(const std::string& a, const std::string& b)
+{
+    const size_t n = a.size();
+    if (n != b.size())
+        return false;
+    const char* x = a.data();
+    const char* y = b.data();
+    for (size_t i = 0; i < n; ++i)
+        if (x[i] != y[i])
+            return false;
+    return true;
+}
+
 // Takes one read entry away, and the array with the last one: a database reads
 // its objects' fields itself, and an emptied array would stay with each.
 void remove_read_entry(std::unique_ptr<ZBPtrArray<ZBSerialisationEntry>>& entries, int index)
@@ -227,7 +242,7 @@ int ZBObject::serialise_value(std::istream* in, std::ostream* out, const std::st
     bool found = false;
     for (int i = 0; i < get_nserentries();) {
         ZBSerialisationEntry* entry = (*m_readEntry)[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             if (entry->m_value.find('\\') == std::string::npos)
                 srl.read_text(entry->m_value);
             else
@@ -270,7 +285,7 @@ int ZBObject::serialise_string(std::istream* in, std::ostream* out, const std::s
         value.clear();
     for (int i = 0; i < get_nserentries(); ++i) {
         ZBSerialisationEntry* entry = (*m_readEntry)[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             value = std::move(entry->m_value);
             remove_read_entry(m_readEntry, i);
             return ZBErrC_ok;
@@ -306,7 +321,7 @@ int ZBObject::serialise_object(std::istream* in, std::ostream* out, const std::s
     int result = ZBErrC_ok;
     for (int i = 0; i < get_nserentries();) {
         ZBSerialisationEntry* entry = (*m_readEntry)[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Class && entry->m_tag == ctag) {
+        if (entry->m_entryType == ZBSerialisationEntry::E_Class && same_tag(entry->m_tag, ctag)) {
             std::istringstream text(entry->m_value);
             int r = srl.read(text);
             if (iszbwarn(r))
@@ -328,7 +343,7 @@ void ZBObject::take_entries(int type, const std::string* tag, const std::functio
 {
     for (int i = 0; i < get_nserentries();) {
         ZBSerialisationEntry* entry = (*m_readEntry)[i];
-        if (entry->m_entryType == type && (!tag || entry->m_tag == *tag)) {
+        if (entry->m_entryType == type && (!tag || same_tag(entry->m_tag, *tag))) {
             take(entry->m_value);
             remove_read_entry(m_readEntry, i);
         } else {
