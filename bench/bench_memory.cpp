@@ -1,14 +1,14 @@
 // What a diary costs in memory, and what deleting a large subtree costs in time.
 //
-// BM_ObjectSizes reports the size of a database object and of an entry with
-// its facets, before any heap use. BM_TreeResident runs the real `tervalon tree`
-// on diaries of 10,000 and 100,000 tasks (and on an empty one, the program's
-// own floor) and reports the peak resident memory of that process and its
-// processor time (its wall time beside it). The files are made by a child run
-// of this program, so that this process stays small: a child's peak counts the
-// memory it had before it started the command. BM_DeleteSubtree deletes a
-// project of 1k, 8k and 32k entries from a diary that holds another project
-// beside it.
+// BM_ObjectSizes reports the size of a stream object, a database object, a
+// record and an entry with its facets, before any heap use. BM_TreeResident
+// runs the real `tervalon tree` on diaries of 10,000 and 100,000 tasks (and on
+// an empty one, the program's own floor) and reports the peak resident memory
+// of that process and its processor time (its wall time beside it). The files
+// are made by a child run of this program, so that this process stays small: a
+// child's peak counts the memory it had before it started the command.
+// BM_DeleteSubtree deletes a project of 1k, 8k and 32k entries from a diary
+// that holds another project beside it.
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibDate/date/zbdateutils.h"
 
@@ -137,7 +137,9 @@ void BM_ObjectSizes(benchmark::State& state)
 {
     for (auto _ : state)
         benchmark::DoNotOptimize(sizeof(DiaryEntry));
+    state.counters["ZBObject_B"] = double(sizeof(ZBObject));
     state.counters["ZBDBObject_B"] = double(sizeof(ZBDBObject));
+    state.counters["ZBDEntry_B"] = double(sizeof(ZBDEntry));
     state.counters["EntryProperties_B"] = double(sizeof(EntryProperties));
     state.counters["EntryPlan_B"] = double(sizeof(EntryPlan));
     state.counters["DiaryEntry_B"] = double(sizeof(DiaryEntry));

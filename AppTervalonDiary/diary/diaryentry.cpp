@@ -95,7 +95,7 @@ DiaryEntry::DiaryEntry() : m_children(C_EntryTag)
 DiaryEntry::DiaryEntry(const DiaryEntry& other)
     : ZBDEntry(other), m_startSource(other.m_startSource), m_dueSource(other.m_dueSource),
       m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType), m_props(other.m_props),
-      m_dueFacet(other.m_dueFacet), m_baseline(copy_facet(other.m_baseline)), m_erepeat(other.m_erepeat),
+      m_dueFacet(copy_facet(other.m_dueFacet)), m_baseline(copy_facet(other.m_baseline)), m_erepeat(copy_facet(other.m_erepeat)),
       m_oldRepeat(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr), m_priorityFacet(other.m_priorityFacet), m_spent(copy_facet(other.m_spent)),
       m_etime(other.m_etime), m_plan(copy_facet(other.m_plan)), m_depend(copy_facet(other.m_depend)), m_command(copy_facet(other.m_command)),
       m_needRecalculate(other.m_needRecalculate), m_lastRecalculate(other.m_lastRecalculate),
@@ -117,9 +117,9 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
     m_prioritySource = other.m_prioritySource;
     m_entryType = other.m_entryType;
     m_props = other.m_props;
-    m_dueFacet = other.m_dueFacet;
+    m_dueFacet = copy_facet(other.m_dueFacet);
     m_baseline = copy_facet(other.m_baseline);
-    m_erepeat = other.m_erepeat;
+    m_erepeat = copy_facet(other.m_erepeat);
     m_oldRepeat.reset(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr);
     m_priorityFacet = other.m_priorityFacet;
     m_spent = copy_facet(other.m_spent);
@@ -138,9 +138,9 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
 void DiaryEntry::attach_facets()
 {
     m_props.attach(this);
-    m_dueFacet.attach(this);
+    attach_facet(m_dueFacet, this);
     attach_facet(m_baseline, this);
-    m_erepeat.attach(this);
+    attach_facet(m_erepeat, this);
     m_priorityFacet.attach(this);
     attach_facet(m_spent, this);
     m_etime.attach(this);
@@ -149,6 +149,34 @@ void DiaryEntry::attach_facets()
     attach_facet(m_command, this);
     if (!get_container(C_EntryTag))
         add_container(m_children);
+}
+
+const EntryDue& DiaryEntry::get_due_facet() const
+{
+    return m_dueFacet ? *m_dueFacet : blank_facet<EntryDue>();
+}
+
+EntryDue& DiaryEntry::edit_due_facet()
+{
+    if (!m_dueFacet) {
+        m_dueFacet.reset(new EntryDue());
+        m_dueFacet->attach(this);
+    }
+    return *m_dueFacet;
+}
+
+const EntryRepeat& DiaryEntry::get_erepeat() const
+{
+    return m_erepeat ? *m_erepeat : blank_facet<EntryRepeat>();
+}
+
+EntryRepeat& DiaryEntry::edit_erepeat()
+{
+    if (!m_erepeat) {
+        m_erepeat.reset(new EntryRepeat());
+        m_erepeat->attach(this);
+    }
+    return *m_erepeat;
 }
 
 const EntryBaseline& DiaryEntry::get_baseline() const
@@ -241,9 +269,9 @@ void DiaryEntry::set_defaults(bool all)
     m_prioritySource = -1;
     m_entryType = ZBCalcPair<char>('O');
     m_props.set_defaults(all);
-    m_dueFacet.set_defaults(all);
+    m_dueFacet.reset();
     m_baseline.reset();
-    m_erepeat.set_defaults(all);
+    m_erepeat.reset();
     m_oldRepeat.reset();
     m_priorityFacet.set_defaults(all);
     m_spent.reset();
@@ -271,9 +299,9 @@ void DiaryEntry::dump(std::ostream& out, int indent) const
         dump.add("impl->m_planStart", m_planStart);
     }
     m_props.dump(out, indent + 1);
-    m_dueFacet.dump(out, indent + 1);
+    get_due_facet().dump(out, indent + 1);
     get_baseline().dump(out, indent + 1);
-    m_erepeat.dump(out, indent + 1);
+    get_erepeat().dump(out, indent + 1);
     m_priorityFacet.dump(out, indent + 1);
     get_spent().dump(out, indent + 1);
     m_etime.dump(out, indent + 1);
@@ -287,9 +315,9 @@ int DiaryEntry::serialise(std::istream* in, std::ostream* out, const std::string
 {
     m_entryType.serialise(*this, in, out, prefix, "et", 'O');
     if (iszbwarn(m_props.serialise_facet(*this, in, out, prefix, version))
-        || iszbwarn(m_dueFacet.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_dueFacet, in, out, prefix, version))
         || iszbwarn(serialise_lazy_facet(*this, m_baseline, in, out, prefix, version))
-        || iszbwarn(m_erepeat.serialise_facet(*this, in, out, prefix, version))
+        || iszbwarn(serialise_lazy_facet(*this, m_erepeat, in, out, prefix, version))
         || iszbwarn(m_priorityFacet.serialise_facet(*this, in, out, prefix, version))
         || iszbwarn(serialise_lazy_facet(*this, m_spent, in, out, prefix, version))
         || iszbwarn(m_etime.serialise_facet(*this, in, out, prefix, version))
@@ -347,7 +375,7 @@ int DiaryEntry::read_older_repeat(std::istream* in, const std::string& prefix)
     serialise_string(in, nullptr, prefix, "rd", repeatExp, true);
     range.serialise(*this, in, nullptr, prefix, "rr", ZBDateSlot());
     serialise_string(in, nullptr, prefix, "er", exclude, true);
-    if (!repeating || m_repeat.is_repeating())
+    if (!repeating || get_repeat().is_repeating())
         return ZBErrC_ok;
     ZBDateRepeat rule;
     rule.set_type(ZBDateRepeat::E_Expression);
@@ -362,7 +390,7 @@ int DiaryEntry::read_older_repeat(std::istream* in, const std::string& prefix)
         || iszbwarn(rule.set_exclude(exclude)))
         return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The repeat of the entry \"%s\" (%d) cannot be read.",
                           m_summary.c_str(), get_id());
-    m_repeat = rule;
+    edit_repeat() = rule;
     return ZBErrC_ok;
 }
 
@@ -372,7 +400,13 @@ void DiaryEntry::set_entrytype(char letter)
 {
     m_entryType.set_orig(letter);
     calc_derived_entrytype();
-    m_repeat.initialise(this);
+    if (m_repeat)
+        m_repeat->initialise(this);
+}
+
+void DiaryEntry::prepare_repeat(ZBDateRepeat& rule)
+{
+    rule.initialise(this);
 }
 
 void DiaryEntry::calc_derived_entrytype()
@@ -628,26 +662,28 @@ int DiaryEntry::mark_complete(const ZBDate& date)
     edit_spent().set_closed(date);
 
     bool moved = false;
-    if (m_repeat.is_repeating()) {
-        const ZBDateSlot current = m_erepeat.get_current_repeat();
-        m_erepeat.invalidate();
-        m_repeat.invalidate();
+    if (get_repeat().is_repeating()) {
+        ZBDateRepeat& rule = edit_repeat();
+        const ZBDateSlot current = m_erepeat ? m_erepeat->get_current_repeat() : get_instance_slot();
+        if (m_erepeat)
+            m_erepeat->invalidate();
+        rule.invalidate();
         // The series goes on from the day the work was done: the next
         // instance is the first one after the completion.
-        const ZBDate next = m_repeat.next_date(date, this);
+        const ZBDate next = rule.next_date(date, this);
         if (next.is_ok() && date < next) {
-            ZBDateSlot slot = m_repeat.generate_slot(base, next, ZBDate::C_Blank, this);
+            ZBDateSlot slot = rule.generate_slot(base, next, ZBDate::C_Blank, this);
             if (slot == current && slot.m_start < date) {
                 const ZBDate from = slot.m_end.is_ok() ? slot.m_end : slot.m_start;
-                const ZBDate further = m_repeat.next_date(from, this);
+                const ZBDate further = rule.next_date(from, this);
                 slot = further.is_ok() && from < further
-                           ? m_repeat.generate_slot(base, further, ZBDate::C_Blank, this)
+                           ? rule.generate_slot(base, further, ZBDate::C_Blank, this)
                            : ZBDateSlot();
             }
             if (slot.m_start.is_ok()) {
                 if (get_derived_entrytype() != 'T')
                     m_time.set_orig(instance);
-                m_erepeat.set_next_repeat(slot.m_start, slot.m_end);
+                edit_erepeat().set_next_repeat(slot.m_start, slot.m_end);
                 ZBProgress progress = m_duration.orig;
                 progress.set_completion(0.0);
                 m_duration.set_orig(progress);
@@ -677,7 +713,8 @@ int DiaryEntry::mark_complete(const ZBDate& date)
 
 void DiaryEntry::clear_predicted(bool force)
 {
-    m_erepeat.invalidate();
+    if (m_erepeat)
+        m_erepeat->invalidate();
     if (m_plan)
         m_plan->clear_predicted();
     m_needRecalculate = true;

@@ -84,12 +84,12 @@ public:
     // Facets.
     const EntryProperties& get_props() const { return m_props; }
     EntryProperties& edit_props() { return m_props; }
-    const EntryDue& get_due_facet() const { return m_dueFacet; }
-    EntryDue& edit_due_facet() { return m_dueFacet; }
+    const EntryDue& get_due_facet() const;
+    EntryDue& edit_due_facet();
     const EntryBaseline& get_baseline() const;
     EntryBaseline& edit_baseline();
-    const EntryRepeat& get_erepeat() const { return m_erepeat; }
-    EntryRepeat& edit_erepeat() { return m_erepeat; }
+    const EntryRepeat& get_erepeat() const;
+    EntryRepeat& edit_erepeat();
     const EntryPriority& get_priority_facet() const { return m_priorityFacet; }
     EntryPriority& edit_priority_facet() { return m_priorityFacet; }
     const EntrySpent& get_spent() const;
@@ -178,6 +178,10 @@ public:
     const ZBDate& get_plan_start() const { return m_planStart; }
     void set_plan_start(const ZBDate& date) { m_planStart = date; }
 
+protected:
+    // A rule made for the entry takes the entry's capabilities.
+    void prepare_repeat(ZBDateRepeat& rule) override;
+
 private:
     void attach_facets();
     // Fields of older data versions, read into the present ones.
@@ -194,12 +198,13 @@ private:
     // Facets and planner state, in stream order.
     ZBCalcPair<char> m_entryType;
     EntryProperties m_props;
-    EntryDue m_dueFacet;
     // The facets that most entries leave at their defaults are made on the
     // first edit; until then get_ gives a shared default one. None of them
-    // looks at its entry, so a shared one answers for every entry alike.
+    // looks at its entry, so a shared one answers for every entry alike (the
+    // repeat bridge does, and the entry asks it only once it is made).
+    std::unique_ptr<EntryDue> m_dueFacet;
     std::unique_ptr<EntryBaseline> m_baseline;
-    EntryRepeat m_erepeat;
+    std::unique_ptr<EntryRepeat> m_erepeat;
     // A previous repeat rule, made only when one has to be kept: almost no
     // entry has one, and a rule is large.
     std::unique_ptr<ZBDateRepeat> m_oldRepeat;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibDatabase/db/zbdbobjectchild.h"
+#include "LibObject/object/zbobject.h"
 #include "LibDate/dateset/zbdateset.h"
 
 #include <iosfwd>
@@ -14,13 +14,16 @@ class DiaryEntry;
 // written inline in its entry's field list (the entry is the object on file),
 // so a facet streams through its owner rather than as an object of its own.
 // The entry owns its facets and tells each who it belongs to after every copy.
-class EntryFacet : public ZBDBObjectChild<DiaryEntry> {
+// A facet is a plain stream object, not a database object: it has no id,
+// place, lock or variables of its own (the entry has them), and an entry holds
+// a dozen facets.
+class EntryFacet : public ZBObject {
 public:
     EntryFacet() = default;
-    EntryFacet(const EntryFacet& other) : ZBDBObjectChild<DiaryEntry>(other), m_entry(nullptr) {}
+    EntryFacet(const EntryFacet& other) : ZBObject(other), m_entry(nullptr) {}
     EntryFacet& operator=(const EntryFacet& other)
     {
-        ZBDBObjectChild<DiaryEntry>::operator=(other);
+        ZBObject::operator=(other);
         return *this;
     }
 

@@ -46,6 +46,7 @@ protected:
         entry.edit_baseline().set_duration(ZBDuration(7200));
         entry.edit_depend().set_activedepends(2);
         entry.edit_command().set_command("make report");
+        entry.edit_due_facet().set_autoprogress(EntryDue::E_MatchSpent);
     }
     static void expect_defaults(const DiaryEntry& entry)
     {
@@ -54,6 +55,7 @@ protected:
         EXPECT_TRUE(entry.get_baseline().get_duration().orig.is_zero());
         EXPECT_EQ(entry.get_depend().get_activedepends(), -1);
         EXPECT_EQ(entry.get_command().get_command(), "");
+        EXPECT_EQ(entry.get_due_facet().get_autoprogress(), EntryDue::E_Manual);
     }
 
     Diary diary;
@@ -112,6 +114,7 @@ TEST_F(EntryFacetSharing, ReadingBackGivesTheSameTextAndRevertDropsNewFacets)
     EXPECT_TRUE(second->get_plan().get_planned().empty());
     EXPECT_TRUE(second->get_spent().get_sessions().empty());
     EXPECT_EQ(second->get_command().get_command(), "");
+    EXPECT_EQ(second->get_due_facet().get_autoprogress(), EntryDue::E_Manual);
     EXPECT_EQ(text_of(*second), before);
 }
 

@@ -29,6 +29,100 @@ void clone_children(const ZBPtrArray<ZBDBObject>& from, ZBPtrArray<ZBDBObject>& 
 }
 } // namespace
 
+// An array made on its first element: most nodes hold no variables, and an
+// empty array costs as much as a pointer to one several times over.
+template <class T>
+class OnDemandArray {
+public:
+    OnDemandArray() = default;
+    OnDemandArray(const OnDemandArray& other) { *this = other; }
+    OnDemandArray& operator=(const OnDemandArray& other)
+    {
+        if (this != &other)
+            m_array.reset(other.empty() ? nullptr : new ZBPtrArray<T>(*other.m_array));
+        return *this;
+    }
+    OnDemandArray& operator=(ZBPtrArray<T>&& other)
+    {
+        if (other.empty())
+            m_array.reset();
+        else
+            edit() = std::move(other);
+        return *this;
+    }
+
+    const ZBPtrArray<T>& view() const
+    {
+        static const ZBPtrArray<T> none;
+        return m_array ? *m_array : none;
+    }
+    ZBPtrArray<T>& edit()
+    {
+        if (!m_array)
+            m_array.reset(new ZBPtrArray<T>());
+        return *m_array;
+    }
+
+    int size() const { return m_array ? m_array->size() : 0; }
+    bool empty() const { return size() == 0; }
+    T* operator[](int index) const { return view().at(index); }
+    T* at(int index) const { return view().at(index); }
+    typename std::vector<T*>::const_iterator begin() const { return view().begin(); }
+    typename std::vector<T*>::const_iterator end() const { return view().end(); }
+    int remove(int index) { return edit().remove(index); }
+    void insert(int index, T* element) { edit().insert(index, element); }
+    void push_back(T* element) { edit().push_back(element); }
+    T* extract(int index) { return edit().extract(index); }
+    // A new array is managed, so none is made to say so.
+    void set_managed(bool managed)
+    {
+        if (m_array || !managed)
+            edit().set_managed(managed);
+    }
+    void clear() { m_array.reset(); }
+
+private:
+    std::unique_ptr<ZBPtrArray<T>> m_array;
+};
+
+// The containers of a node, in the order they were added. Almost every node
+// that has any has one, its class's own, so the first is held in place and
+// only further ones, and the containers made on demand, which the list owns,
+// take arrays of their own.
+class ContainerList {
+public:
+    int size() const { return m_first ? 1 + (m_more ? int(m_more->rest.size()) : 0) : 0; }
+    ZBDBContainerBase* operator[](int index) const { return index == 0 ? m_first : m_more->rest[size_t(index - 1)]; }
+    void push_back(ZBDBContainerBase* container)
+    {
+        if (!m_first)
+            m_first = container;
+        else
+            more().rest.push_back(container);
+    }
+    ZBDBContainerBase* adopt(ZBDBContainerBase* container)
+    {
+        more().own.emplace_back(container);
+        push_back(container);
+        return container;
+    }
+
+private:
+    struct More {
+        std::vector<ZBDBContainerBase*> rest;
+        std::vector<std::unique_ptr<ZBDBContainerBase>> own;
+    };
+    More& more()
+    {
+        if (!m_more)
+            m_more.reset(new More());
+        return *m_more;
+    }
+
+    ZBDBContainerBase* m_first = nullptr;
+    std::unique_ptr<More> m_more;
+};
+
 struct ZBDBObject::Node {
     Node() : m_createTime(ZBDate::E_Blank), m_modifyTime(ZBDate::E_Blank) {}
 
@@ -38,15 +132,14 @@ struct ZBDBObject::Node {
     ZBDate m_createTime;
     ZBDate m_modifyTime;
     int m_createID = -1;
-    ZBPtrArray<std::string> m_variable;
-    ZBPtrArray<ZBVariable> m_vars;
+    OnDemandArray<std::string> m_variable;
+    OnDemandArray<ZBVariable> m_vars;
 
     // Not stored.
     ZBDBObject* m_parent = nullptr;
     ZBDatabase* m_database = nullptr;
-    // Non-owning: a class's own containers are its members, the rest are in m_ownContainers.
-    std::vector<ZBDBContainerBase*> m_containers;
-    std::vector<std::unique_ptr<ZBDBContainerBase>> m_ownContainers;
+    // A class's own containers are its members; the list owns those made on demand.
+    ContainerList m_containers;
 
     // The stored members back to their defaults; the place in the tree stays.
     void clear_stored()
@@ -259,7 +352,13 @@ int ZBDBObject::serialise(std::istream* in, std::ostream* out, const std::string
             n.m_variable.push_back(new std::string(text));
         m_varsChanged = false;
     }
-    serialise_string_array(in, out, prefix, "V", n.m_variable);
+    if (in) {
+        ZBPtrArray<std::string> read;
+        serialise_string_array(in, nullptr, prefix, "V", read);
+        n.m_variable = std::move(read);
+    } else if (out && !n.m_variable.empty()) {
+        serialise_string_array(nullptr, out, prefix, "V", n.m_variable.edit());
+    }
     if (in && (!n.m_vars.empty() || !n.m_variable.empty())) {
         // Read over a live object (a revert, a replayed change): values at
         // their default were not written, so they go back to the spec's text.
@@ -429,12 +528,12 @@ const std::vector<ZBDBObjectLink>& ZBDBObject::get_all_links() const
 
 ZBPtrArray<std::string>& ZBDBObject::get_variable_text()
 {
-    return node().m_variable;
+    return node().m_variable.edit();
 }
 
 const ZBPtrArray<std::string>& ZBDBObject::get_variable_text() const
 {
-    return node_or_blank().m_variable;
+    return node_or_blank().m_variable.view();
 }
 
 ZBVariable* ZBDBObject::get_var_by_index(int index) const
@@ -465,17 +564,17 @@ void ZBDBObject::clear_scripts()
 
 int ZBDBObject::get_ncontainers() const
 {
-    return int(node_or_blank().m_containers.size());
+    return node_or_blank().m_containers.size();
 }
 
 ZBDBContainerBase* ZBDBObject::get_container_no(int index) const
 {
-    const std::vector<ZBDBContainerBase*>& containers = node_or_blank().m_containers;
-    if (index < 0 || index >= int(containers.size())) {
-        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, int(containers.size()));
+    const ContainerList& containers = node_or_blank().m_containers;
+    if (index < 0 || index >= containers.size()) {
+        zberror(ZBErrC_ArrayBounds, ZBLOC, "Element %d out of bounds (%d items)", index, containers.size());
         return nullptr;
     }
-    return containers[size_t(index)];
+    return containers[index];
 }
 
 // ---------------------------------------------------------------- editing
@@ -784,9 +883,10 @@ void ZBDBObject::add_container(ZBDBContainerBase& container)
 
 ZBDBContainerBase* ZBDBObject::get_container(const std::string& tag) const
 {
-    for (ZBDBContainerBase* container : node_or_blank().m_containers)
-        if (container->get_tag() == tag)
-            return container;
+    const ContainerList& containers = node_or_blank().m_containers;
+    for (int i = 0; i < containers.size(); ++i)
+        if (containers[i]->get_tag() == tag)
+            return containers[i];
     return nullptr;
 }
 
@@ -796,10 +896,7 @@ ZBDBContainerBase* ZBDBObject::get_or_make_container(const std::string& tag)
         return container;
     if (!allow_children())
         return nullptr;
-    Node& n = node();
-    n.m_ownContainers.emplace_back(new ZBDBContainer<ZBDBObject>(tag));
-    n.m_containers.push_back(n.m_ownContainers.back().get());
-    return n.m_containers.back();
+    return node().m_containers.adopt(new ZBDBContainer<ZBDBObject>(tag));
 }
 
 void ZBDBObject::remap_container(const std::string& from, const std::string& to)
@@ -811,8 +908,8 @@ void ZBDBObject::remap_container(const std::string& from, const std::string& to)
 void ZBDBObject::clear_containers()
 {
     if (m_node)
-        for (ZBDBContainerBase* container : m_node->m_containers)
-            container->clear();
+        for (int i = 0; i < m_node->m_containers.size(); ++i)
+            m_node->m_containers[i]->clear();
 }
 
 // ---------------------------------------------------------------- variables

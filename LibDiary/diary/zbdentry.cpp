@@ -129,7 +129,7 @@ ZBDEntry::ZBDEntry(const ZBDEntry& other)
       m_time(other.m_time), m_start(other.m_start), m_due(other.m_due), m_priority(other.m_priority),
       m_duration(other.m_duration), m_person(other.m_person), m_timeType(other.m_timeType), m_tags(other.m_tags),
       m_rTags(other.m_rTags), m_ackTime(other.m_ackTime), m_bookmark(other.m_bookmark), m_preserve(other.m_preserve),
-      m_repeat(other.m_repeat)
+      m_repeat(other.m_repeat ? new ZBDateRepeat(*other.m_repeat) : nullptr)
 {
 }
 
@@ -141,8 +141,27 @@ ZBDEntry& ZBDEntry::operator=(const ZBDEntry& other)
         return *this;
     ZBDBObject::operator=(other);
     clone_values(other);
-    m_repeat = other.m_repeat;
+    if (other.m_repeat)
+        edit_repeat() = *other.m_repeat;
+    else
+        m_repeat.reset();
     return *this;
+}
+
+ZBDateRepeat& ZBDEntry::edit_repeat()
+{
+    if (!m_repeat) {
+        m_repeat.reset(new ZBDateRepeat());
+        prepare_repeat(*m_repeat);
+    }
+    return *m_repeat;
+}
+
+// One per thread: a rule's const calls may fill its caches.
+const ZBDateRepeat& ZBDEntry::blank_repeat()
+{
+    static thread_local const ZBDateRepeat blank;
+    return blank;
 }
 
 bool ZBDEntry::operator==(const ZBDEntry& other) const
@@ -151,7 +170,7 @@ bool ZBDEntry::operator==(const ZBDEntry& other) const
         && m_start == other.m_start && m_due == other.m_due && m_priority == other.m_priority
         && m_duration == other.m_duration && m_person == other.m_person && m_timeType == other.m_timeType
         && m_tags == other.m_tags && m_rTags == other.m_rTags && m_ackTime == other.m_ackTime
-        && m_bookmark == other.m_bookmark && m_preserve == other.m_preserve && m_repeat == other.m_repeat
+        && m_bookmark == other.m_bookmark && m_preserve == other.m_preserve && get_repeat() == other.get_repeat()
         && ZBDBObject::operator==(other);
 }
 
@@ -190,7 +209,7 @@ void ZBDEntry::clear_values()
     m_ackTime = blank;
     m_bookmark = false;
     m_preserve = false;
-    m_repeat.set_defaults(true);
+    m_repeat.reset();
 }
 
 void ZBDEntry::dump(std::ostream& out, int indent) const
@@ -219,7 +238,7 @@ void ZBDEntry::dump(std::ostream& out, int indent) const
     dump.add_entry("m_ackTime", m_ackTime.to_iso());
     dump.add("m_bookmark", m_bookmark);
     dump.add("m_preserve", m_preserve);
-    dump.add_entry("m_repeat", m_repeat.to_string());
+    dump.add_entry("m_repeat", get_repeat().to_string());
     dump.write_heading("Base Class");
     dump.write();
     ZBDBObject::dump(out, indent + 1);
@@ -237,10 +256,19 @@ int ZBDEntry::serialise_entry(std::istream* in, std::ostream* out, const std::st
     const ZBDate blank(ZBDate::E_Blank);
     // The rule goes first and only while it repeats; reading a record without
     // one leaves the rule at its default.
-    if (out == nullptr || m_repeat.is_repeating()) {
-        ZBSrlObject<ZBDateRepeat> repeat(m_repeat, version);
-        if (iszberr(serialise_object(in, out, prefix, "Rpt", repeat)))
+    if (out && m_repeat && m_repeat->is_repeating()) {
+        ZBSrlObject<ZBDateRepeat> repeat(*m_repeat, version);
+        if (iszberr(serialise_object(nullptr, out, prefix, "Rpt", repeat)))
             return zbpass(ZBLOC);
+    } else if (in && !out) {
+        ZBDateRepeat rule;
+        ZBSrlObject<ZBDateRepeat> repeat(rule, version);
+        if (iszberr(serialise_object(in, nullptr, prefix, "Rpt", repeat)))
+            return zbpass(ZBLOC);
+        if (rule == blank_repeat())
+            m_repeat.reset();
+        else
+            m_repeat.reset(new ZBDateRepeat(rule));
     }
     serialise_string(in, out, prefix, "Sm", m_summary, true);
     if (withTextTime) {
@@ -418,7 +446,7 @@ std::string ZBDEntry::get_sysvalue(const std::string& tag) const
     if (tag == C_SysDueDate)
         return m_due.calc.to_string();
     if (tag == C_SysRepeating)
-        return m_repeat.is_repeating() ? "1" : "0";
+        return get_repeat().is_repeating() ? "1" : "0";
     if (tag == C_SysDuration || tag == C_SysTotalDuration)
         return m_duration.calc.get_duration().to_string();
     if (tag == C_SysCompletion)

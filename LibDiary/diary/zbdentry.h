@@ -8,6 +8,7 @@
 #include "LibObject/container/zbcalcpair.h"
 
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -149,9 +150,11 @@ public:
     const ZBDate& get_ack_time() const { return m_ackTime; }
     void set_ack_time(const ZBDate& date) { m_ackTime = date; }
 
-    // The repeat rule: stored only while it repeats.
-    const ZBDateRepeat& get_repeat() const { return m_repeat; }
-    ZBDateRepeat& edit_repeat() { return m_repeat; }
+    // The repeat rule: stored only while it repeats. An entry that never had
+    // one answers with a shared rule that does not repeat; edit_repeat makes
+    // the entry its own.
+    const ZBDateRepeat& get_repeat() const { return m_repeat ? *m_repeat : blank_repeat(); }
+    ZBDateRepeat& edit_repeat();
 
     bool get_bookmark() const { return m_bookmark; }
     void set_bookmark(bool bookmark) { m_bookmark = bookmark; }
@@ -187,6 +190,9 @@ protected:
     int serialise_entry(std::istream* in, std::ostream* out, const std::string& prefix, int version, bool withTextTime);
     // Puts the record values back to their defaults, identity untouched.
     void clear_values();
+    // Called on a rule that edit_repeat has just made for this entry.
+    virtual void prepare_repeat(ZBDateRepeat& rule) { (void)rule; }
+    static const ZBDateRepeat& blank_repeat();
 
     std::string m_summary;
     std::string m_text;
@@ -202,7 +208,9 @@ protected:
     ZBDate m_ackTime;
     bool m_bookmark;
     bool m_preserve;
-    ZBDateRepeat m_repeat;
+    // Made on the first edit or read of a rule: almost no entry repeats, and a
+    // rule is a large object.
+    std::unique_ptr<ZBDateRepeat> m_repeat;
 };
 
 } // namespace Tervalon

@@ -57,7 +57,7 @@ int ZBDEvent::create_zbobject(ZBObject*& out, const ZBObject* from)
 void ZBDEvent::set_defaults(bool all)
 {
     ZBDEntry::set_defaults(all);
-    m_repeat.clear_repeat();
+    m_repeat.reset();
 }
 
 ZBDateSlot ZBDEvent::get_instance(const ZBDate& when) const
@@ -67,7 +67,7 @@ ZBDateSlot ZBDEvent::get_instance(const ZBDate& when) const
         return own;
     std::vector<ZBDateSlot> instances;
     // Instances from the event's own start up to the moment asked about.
-    m_repeat.generate_slots(own, ZBDateSlot(own.m_start, when), ZBDateRepeat::C_MaxSteps, this, instances);
+    get_repeat().generate_slots(own, ZBDateSlot(own.m_start, when), ZBDateRepeat::C_MaxSteps, this, instances);
     ZBDateSlot current = own;
     for (const ZBDateSlot& slot : instances)
         if (slot.m_start <= when && current.m_start <= slot.m_start)
@@ -79,7 +79,7 @@ bool ZBDEvent::has_passed() const
 {
     const ZBDate now = ZBDateUtils::now();
     if (is_repeating()) {
-        const ZBDate& last = m_repeat.get_range_end();
+        const ZBDate& last = get_repeat().get_range_end();
         return last.is_ok() && last < now && get_instance(now).m_end < now;
     }
     const ZBDate& end = get_time().m_end.is_ok() ? get_time().m_end : get_time().m_start;

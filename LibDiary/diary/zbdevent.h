@@ -23,7 +23,7 @@ public:
     void set_defaults(bool all) override;
     int get_entrytype() const override { return E_Event; }
 
-    bool is_repeating() const { return m_repeat.is_repeating(); }
+    bool is_repeating() const { return get_repeat().is_repeating(); }
     // The instance that is current at a moment: the latest that has started
     // by then, or the first one when none has; the event's own slot when it
     // does not repeat.

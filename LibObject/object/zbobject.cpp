@@ -43,37 +43,64 @@ ZBObject::ZBObject() : m_connection(nullptr), m_classId(-1)
 
 // A copy is of the same class as the original, so it takes the original's class
 // id; a class whose copy constructor registers itself gets the same id again.
-ZBObject::ZBObject(const ZBObject& other)
-    : m_readEntry(other.m_readEntry), m_connection(nullptr), m_classId(other.m_classId)
+ZBObject::ZBObject(const ZBObject& other) : m_connection(nullptr), m_classId(other.m_classId)
 {
+    if (other.get_nserentries() > 0)
+        m_readEntry.reset(new ZBPtrArray<ZBSerialisationEntry>(*other.m_readEntry));
 }
 
 ZBObject::~ZBObject() = default;
 
 ZBObject& ZBObject::operator=(const ZBObject& other)
 {
-    if (this != &other)
-        m_readEntry = other.m_readEntry;
+    if (this == &other)
+        return *this;
+    if (other.get_nserentries() > 0)
+        edit_read_entries() = *other.m_readEntry;
+    else
+        m_readEntry.reset();
     return *this;
 }
 
 bool ZBObject::operator==(const ZBObject& other) const
 {
-    if (m_readEntry.size() != other.m_readEntry.size())
+    const ZBPtrArray<ZBSerialisationEntry>& mine = read_entries();
+    const ZBPtrArray<ZBSerialisationEntry>& theirs = other.read_entries();
+    if (mine.size() != theirs.size())
         return false;
-    for (int i = 0; i < m_readEntry.size(); ++i)
-        if (!(*m_readEntry[i] == *other.m_readEntry[i]))
+    for (int i = 0; i < mine.size(); ++i)
+        if (!(*mine[i] == *theirs[i]))
             return false;
     return m_connection == other.m_connection;
+}
+
+const ZBPtrArray<ZBSerialisationEntry>& ZBObject::read_entries() const
+{
+    static const ZBPtrArray<ZBSerialisationEntry> none;
+    return m_readEntry ? *m_readEntry : none;
+}
+
+ZBPtrArray<ZBSerialisationEntry>& ZBObject::edit_read_entries()
+{
+    if (!m_readEntry)
+        m_readEntry.reset(new ZBPtrArray<ZBSerialisationEntry>());
+    return *m_readEntry;
+}
+
+void ZBObject::drop_empty_entries()
+{
+    if (m_readEntry && m_readEntry->empty())
+        m_readEntry.reset();
 }
 
 void ZBObject::dump(std::ostream& out, int indent) const
 {
     ZBDump dump("ZBObject", out, indent);
+    const ZBPtrArray<ZBSerialisationEntry>& entries = read_entries();
     dump.add("m_classId", m_classId);
-    dump.add("m_readEntry", m_readEntry.size());
-    for (int i = 0; i < m_readEntry.size(); ++i)
-        dump.add_entry("m_readEntry", m_readEntry[i]->m_tag + " " + m_readEntry[i]->m_value, i);
+    dump.add("m_readEntry", entries.size());
+    for (int i = 0; i < entries.size(); ++i)
+        dump.add_entry("m_readEntry", entries[i]->m_tag + " " + entries[i]->m_value, i);
 }
 
 int ZBObject::serialise(std::istream*, std::ostream*, const std::string&, int)
@@ -156,13 +183,40 @@ int ZBObject::get_class_index_entry(const std::string& name, ZBObjectIndexEntry*
 
 void ZBObject::take_serentries(ZBPtrArray<ZBSerialisationEntry>& into)
 {
-    into = std::move(m_readEntry);
-    m_readEntry.clear();
+    if (m_readEntry)
+        into = std::move(*m_readEntry);
+    else
+        into.clear();
+    m_readEntry.reset();
 }
 
 // ---------------------------------------------------------------- field operations
 
 namespace {
+// Tags are a few letters, and every field of every object read compares its tag
+// with those still unread: a loop beats a call to memcmp for each.
+bool same_tag(const std::string& a, const std::string& b)
+{
+    const size_t n = a.size();
+    if (n != b.size())
+        return false;
+    const char* x = a.data();
+    const char* y = b.data();
+    for (size_t i = 0; i < n; ++i)
+        if (x[i] != y[i])
+            return false;
+    return true;
+}
+
+// Takes one read entry away, and the array with the last one: a database reads
+// its objects' fields itself, and an emptied array would stay with each.
+void remove_read_entry(std::unique_ptr<ZBPtrArray<ZBSerialisationEntry>>& entries, int index)
+{
+    entries->remove(index);
+    if (entries->empty())
+        entries.reset();
+}
+
 // Writes text through the line escaper without making a copy of it.
 void write_escaped(std::ostream& out, const std::string& text)
 {
@@ -224,25 +278,25 @@ int ZBObject::serialise_value(std::istream* in, std::ostream* out, const std::st
     if (!multiple)
         srl.set_to_default();
     bool found = false;
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+    for (int i = 0; i < get_nserentries();) {
+        ZBSerialisationEntry* entry = (*m_readEntry)[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             if (entry->m_value.find('\\') == std::string::npos)
                 srl.read_text(entry->m_value);
             else
                 srl.read_text(zb_stream_in(entry->m_value));
-            m_readEntry.remove(i);
+            remove_read_entry(m_readEntry, i);
             found = true;
         } else {
             ++i;
         }
     }
     if (!found && !multiple && tryBareTag) {
-        for (int i = 0; i < m_readEntry.size();) {
-            ZBSerialisationEntry* entry = m_readEntry[i];
+        for (int i = 0; i < get_nserentries();) {
+            ZBSerialisationEntry* entry = (*m_readEntry)[i];
             if (entry->m_entryType == ZBSerialisationEntry::E_Field && strip_prefix(entry->m_tag) == tag) {
                 srl.read_text(zb_stream_in(entry->m_value));
-                m_readEntry.remove(i);
+                remove_read_entry(m_readEntry, i);
                 found = true;
             } else {
                 ++i;
@@ -267,11 +321,11 @@ int ZBObject::serialise_string(std::istream* in, std::ostream* out, const std::s
         return ZBErrC_ok;
     if (omitEmpty)
         value.clear();
-    for (int i = 0; i < m_readEntry.size(); ++i) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Field && entry->m_tag == ctag) {
+    for (int i = 0; i < get_nserentries(); ++i) {
+        ZBSerialisationEntry* entry = (*m_readEntry)[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             value = std::move(entry->m_value);
-            m_readEntry.remove(i);
+            remove_read_entry(m_readEntry, i);
             return ZBErrC_ok;
         }
     }
@@ -303,14 +357,14 @@ int ZBObject::serialise_object(std::istream* in, std::ostream* out, const std::s
         srl.set_to_default();
     bool found = false;
     int result = ZBErrC_ok;
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == ZBSerialisationEntry::E_Class && entry->m_tag == ctag) {
+    for (int i = 0; i < get_nserentries();) {
+        ZBSerialisationEntry* entry = (*m_readEntry)[i];
+        if (entry->m_entryType == ZBSerialisationEntry::E_Class && same_tag(entry->m_tag, ctag)) {
             std::istringstream text(entry->m_value);
             int r = srl.read(text);
             if (iszbwarn(r))
                 result = zbpass(ZBLOC);
-            m_readEntry.remove(i);
+            remove_read_entry(m_readEntry, i);
             found = true;
         } else {
             ++i;
@@ -325,11 +379,11 @@ int ZBObject::serialise_object(std::istream* in, std::ostream* out, const std::s
 
 void ZBObject::take_entries(int type, const std::string* tag, const std::function<void(std::string&)>& take)
 {
-    for (int i = 0; i < m_readEntry.size();) {
-        ZBSerialisationEntry* entry = m_readEntry[i];
-        if (entry->m_entryType == type && (!tag || entry->m_tag == *tag)) {
+    for (int i = 0; i < get_nserentries();) {
+        ZBSerialisationEntry* entry = (*m_readEntry)[i];
+        if (entry->m_entryType == type && (!tag || same_tag(entry->m_tag, *tag))) {
             take(entry->m_value);
-            m_readEntry.remove(i);
+            remove_read_entry(m_readEntry, i);
         } else {
             ++i;
         }
@@ -433,7 +487,7 @@ int ZBObject::write_tagged_class(const std::string& tag, std::ostream& out, int 
 int ZBObject::write_unhandled(std::ostream& out) const
 {
     if (!G_PurgeUnhandled)
-        for (const ZBSerialisationEntry* entry : m_readEntry)
+        for (const ZBSerialisationEntry* entry : read_entries())
             if (iszbwarn(entry->write_entry(out)))
                 return zbpass(ZBLOC);
     out << "}\n";
@@ -472,7 +526,7 @@ int ZBObject::read_class_entries(std::istream& in)
             delete entry;
             return zbpass(ZBLOC);
         }
-        m_readEntry.push_back(entry);
+        edit_read_entries().push_back(entry);
     }
 }
 
@@ -482,6 +536,7 @@ int ZBObject::read_class_body(std::istream& in, int version)
     int result = read_class_entries(in);
     if (!iszbwarn(result))
         result = serialise(&in, nullptr, "", version);
+    drop_empty_entries();
     return iszbwarn(result) ? zbpass(ZBLOC) : ZBErrC_ok;
 }
 

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -104,10 +105,10 @@ public:
     int register_objectname(const std::string& name, ZBCreateFunction create);
 
     // Direct access to the read entries, for classes with their own header.
-    int get_nserentries() const { return m_readEntry.size(); }
-    ZBSerialisationEntry* get_serentry(int index) const { return m_readEntry.at(index); }
-    int remove_serentry(int index) { return m_readEntry.remove(index); }
-    void clear_unhandled_data() { m_readEntry.clear(); }
+    int get_nserentries() const { return m_readEntry ? m_readEntry->size() : 0; }
+    ZBSerialisationEntry* get_serentry(int index) const { return read_entries().at(index); }
+    int remove_serentry(int index) { return edit_read_entries().remove(index); }
+    void clear_unhandled_data() { m_readEntry.reset(); }
     // Gives the read entries to the caller in one move (for large headers).
     void take_serentries(ZBPtrArray<ZBSerialisationEntry>& into);
 
@@ -146,7 +147,15 @@ protected:
     }
 
 private:
-    ZBPtrArray<ZBSerialisationEntry> m_readEntry;
+    // The read entries, or a shared empty array when there are none.
+    const ZBPtrArray<ZBSerialisationEntry>& read_entries() const;
+    ZBPtrArray<ZBSerialisationEntry>& edit_read_entries();
+    // Lets go of an array the fields have emptied.
+    void drop_empty_entries();
+
+    // Made on the first read: an object that was never read, or whose every
+    // field this version knows, holds none, and an entry holds a dozen objects.
+    std::unique_ptr<ZBPtrArray<ZBSerialisationEntry>> m_readEntry;
     ZBConnectionData* m_connection;
     int m_classId;
 };

@@ -266,3 +266,40 @@ TEST(StreamIds, KeyTripleFormAndWildcardMatch)
     EXPECT_FALSE(ZBId(4, 6, 3).compare(ZBId(4, 7, 3)));
     EXPECT_FALSE(ZBId(4, -1, 3) == ZBId(4, 7, 3));
 }
+
+// Unknown fields are held only by the objects that have some; copies, assignment
+// and comparison must still carry them, and an object without any must not take
+// them on from one that has.
+TEST(StreamUnknownData, UnknownFieldsFollowCopiesAndAssignment)
+{
+    std::unique_ptr<Sample> known(read_sample("{TestSample\n!I!5\n}\n"));
+    std::unique_ptr<Sample> unknown(read_sample("{TestSample\n!I!5\n!Future!one\n}\n"));
+    ASSERT_TRUE(known && unknown);
+    EXPECT_EQ(known->get_nserentries(), 0);
+    ASSERT_EQ(unknown->get_nserentries(), 1);
+
+    Sample copy(*unknown);
+    EXPECT_EQ(text_of(copy), text_of(*unknown));
+    EXPECT_TRUE(copy == *unknown);
+    EXPECT_FALSE(copy == *known);
+    EXPECT_FALSE(*known == copy);
+
+    // The copy owns its own: dropping the original's leaves it whole.
+    unknown->clear_unhandled_data();
+    EXPECT_EQ(copy.get_nserentries(), 1);
+    EXPECT_NE(text_of(copy).find("!Future!one"), std::string::npos);
+
+    Sample target(*known);
+    target = copy;
+    EXPECT_NE(text_of(target).find("!Future!one"), std::string::npos);
+    target = *known;
+    EXPECT_EQ(target.get_nserentries(), 0);
+    EXPECT_EQ(text_of(target), text_of(*known));
+    EXPECT_TRUE(target == *known);
+
+    ZBPtrArray<ZBSerialisationEntry> taken;
+    copy.take_serentries(taken);
+    EXPECT_EQ(taken.size(), 1);
+    EXPECT_EQ(copy.get_nserentries(), 0);
+    EXPECT_EQ(text_of(copy), text_of(*known));
+}
