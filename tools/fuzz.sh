@@ -1,0 +1,98 @@
+#!/usr/bin/env bash
+# Fuzzes the readers of outside text (see doc/fuzzing.md).
+#   tools/fuzz.sh                 every target, 60 seconds each
+#   tools/fuzz.sh TARGET [SECS]   one target (SECS defaults to 60)
+#   tools/fuzz.sh --replay        every corpus and regression input once through
+#                                 its target: what CI runs
+# The fuzz build lives in build/fuzz (clang, libFuzzer, AddressSanitizer and
+# UndefinedBehaviorSanitizer) and is configured here when missing. New inputs a
+# run finds go to build/fuzz/work/TARGET; a crash leaves its input in
+# build/fuzz/crashes/TARGET.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+build=build/fuzz
+targets=(stream database param spec zbo datetext duration repeat expr)
+# A hang is a fault: no input may take longer than this many seconds.
+timeout=10
+
+export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
+export CCACHE_BASEDIR="$root"
+export TZ=UTC QT_QPA_PLATFORM=offscreen
+# libFuzzer's own leak check covers every input; the suppressions are Qt's.
+export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1}"
+export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
+
+build_targets() {
+  if [ ! -f "$build/build.ninja" ]; then
+    CC=clang CXX=clang++ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTERVALON_FUZZ=ON >/dev/null
+  fi
+  cmake --build "$build" --target fuzz_all --parallel "$(nproc)"
+}
+
+is_target() {
+  local t
+  for t in "${targets[@]}"; do [ "$t" = "$1" ] && return 0; done
+  return 1
+}
+
+# Every input kept in the tree, once; fails on the first crash, leak or hang.
+replay() {
+  local t dirs d count total=0 start=$SECONDS
+  for t in "${targets[@]}"; do
+    dirs=()
+    for d in fuzz/corpus/$t fuzz/regressions/$t; do
+      [ -d "$d" ] && [ -n "$(ls -A "$d")" ] && dirs+=("$d")
+    done
+    [ ${#dirs[@]} -eq 0 ] && continue
+    count=$(find "${dirs[@]}" -type f | wc -l)
+    total=$((total + count))
+    if ! "$build/bin/fuzz_$t" -runs=0 -timeout=$timeout "${dirs[@]}" >"$build/replay_$t.log" 2>&1; then
+      tail -n 60 "$build/replay_$t.log" >&2
+      echo "fuzz replay: $t failed on a kept input (log: $build/replay_$t.log)" >&2
+      return 1
+    fi
+    echo "fuzz replay: $t: $count inputs"
+  done
+  echo "fuzz replay: $total inputs in $((SECONDS - start)) s"
+}
+
+# One timed run; prints executions per second and the total.
+run_one() {
+  local t=$1 secs=$2 log work crashes
+  work=$build/work/$t
+  crashes=$build/crashes/$t
+  log=$build/run_$t.log
+  mkdir -p "$work" "$crashes"
+  local dict=()
+  [ -f "fuzz/dict/$t.dict" ] && dict=(-dict="fuzz/dict/$t.dict")
+  local rc=0
+  "$build/bin/fuzz_$t" -max_total_time="$secs" -timeout=$timeout -rss_limit_mb=2048 -max_len=4096 \
+    -print_final_stats=1 -artifact_prefix="$crashes/" "${dict[@]}" "$work" "fuzz/corpus/$t" \
+    $( [ -d "fuzz/regressions/$t" ] && echo "fuzz/regressions/$t" ) >"$log" 2>&1 || rc=$?
+  local runs speed
+  runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
+  speed=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log" | tail -n 1)
+  if [ $rc -ne 0 ]; then
+    echo "$t: FAULT after ${runs:-?} executions; input in $crashes (log: $log)"
+    grep -m 1 -E 'ERROR: |runtime error|====' "$log" || true
+    return 1
+  fi
+  echo "$t: ${runs:-0} executions in ${secs} s, ${speed:-0} per second"
+}
+
+build_targets
+if [ "${1:-}" = "--replay" ]; then
+  replay
+  exit
+fi
+if [ $# -ge 1 ]; then
+  is_target "$1" || { echo "unknown target $1; targets: ${targets[*]}" >&2; exit 1; }
+  run_one "$1" "${2:-60}"
+  exit
+fi
+status=0
+for t in "${targets[@]}"; do
+  run_one "$t" 60 || status=1
+done
+exit $status
