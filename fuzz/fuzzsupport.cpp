@@ -38,7 +38,8 @@ void initialise()
     QCoreApplication::setApplicationName("TervalonFuzz");
     set_zberror(new ZBError());
     get_zberror().set_stream(nullptr, ZBErrSev_All);
-    ZBDateUtils::set_fixed_now(ZBDate(2026, 3, 9, 8, 30, 0, 0, ZBDate::C_GMT));
+    // 9 March 2026 (months and days count from 0).
+    ZBDateUtils::set_fixed_now(ZBDate(2026, 2, 8, 8, 30, 0, 0, ZBDate::C_GMT));
     // The scratch folder goes with the process; QTemporaryDir removes it.
     std::atexit([] { delete g_scratch; });
 }

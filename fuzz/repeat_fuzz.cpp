@@ -40,10 +40,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     rule.range_to_string(true);
     rule.range_to_string(false);
 
-    const ZBDate start(2026, 3, 9, 9, 0, 0, 0, ZBDate::C_GMT);
-    const ZBDate end(2026, 3, 9, 10, 30, 0, 0, ZBDate::C_GMT);
+    // 9 March 2026, 09:00 to 10:30 (months and days count from 0).
+    const ZBDate start(2026, 2, 8, 9, 0, 0, 0, ZBDate::C_GMT);
+    const ZBDate end(2026, 2, 8, 10, 30, 0, 0, ZBDate::C_GMT);
     const ZBDateSlot seed(start, end);
-    const ZBDateSlot range(ZBDate(2025, 1, 1, 0, 0, 0, 0, ZBDate::C_GMT), ZBDate(2028, 1, 1, 0, 0, 0, 0, ZBDate::C_GMT));
+    const ZBDateSlot range(ZBDate(2025, 0, 0, 0, 0, 0, 0, ZBDate::C_GMT), ZBDate(2028, 0, 0, 0, 0, 0, 0, ZBDate::C_GMT));
     ZBDateRepeat generator(rule);
     if (!iszbwarn(generator.initialise(&config))) {
         std::vector<ZBDateSlot> slots;

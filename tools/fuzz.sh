@@ -4,6 +4,11 @@
 #   tools/fuzz.sh TARGET [SECS]   one target (SECS defaults to 60)
 #   tools/fuzz.sh --replay        every corpus and regression input once through
 #                                 its target: what CI runs
+#   tools/fuzz.sh --merge DIR     adds the inputs of DIR/TARGET (or of the last
+#                                 runs, build/fuzz/work/TARGET, when DIR is
+#                                 "work") that reach new code to fuzz/corpus/TARGET
+# With KEEP_GOING=1 a run goes on past faults (libFuzzer's fork mode) and
+# collects every crashing input it finds.
 # The fuzz build lives in build/fuzz (clang, libFuzzer, AddressSanitizer and
 # UndefinedBehaviorSanitizer) and is configured here when missing. New inputs a
 # run finds go to build/fuzz/work/TARGET; a crash leaves its input in
@@ -66,8 +71,9 @@ run_one() {
   mkdir -p "$work" "$crashes"
   local dict=()
   [ -f "fuzz/dict/$t.dict" ] && dict=(-dict="fuzz/dict/$t.dict")
-  local rc=0
-  "$build/bin/fuzz_$t" -max_total_time="$secs" -timeout=$timeout -rss_limit_mb=2048 -max_len=4096 \
+  local rc=0 mode=()
+  [ "${KEEP_GOING:-0}" = 1 ] && mode=(-fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1)
+  "$build/bin/fuzz_$t" "${mode[@]}" -max_total_time="$secs" -timeout=$timeout -rss_limit_mb=2048 -max_len=4096 \
     -print_final_stats=1 -artifact_prefix="$crashes/" "${dict[@]}" "$work" "fuzz/corpus/$t" \
     $( [ -d "fuzz/regressions/$t" ] && echo "fuzz/regressions/$t" ) >"$log" 2>&1 || rc=$?
   local runs speed
@@ -81,7 +87,27 @@ run_one() {
   echo "$t: ${runs:-0} executions in ${secs} s, ${speed:-0} per second"
 }
 
+# Keeps only the inputs that add coverage to the corpus in the tree.
+merge() {
+  local from=$1 t src
+  for t in "${targets[@]}"; do
+    src=$from/$t
+    [ "$from" = work ] && src=$build/work/$t
+    [ -d "$src" ] || continue
+    mkdir -p "fuzz/corpus/$t"
+    mkdir -p "$build/crashes/$t"
+    "$build/bin/fuzz_$t" -merge=1 -timeout=$timeout -max_len=65536 -artifact_prefix="$build/crashes/$t/" \
+      "fuzz/corpus/$t" "$src" >"$build/merge_$t.log" 2>&1 \
+      || { tail -n 30 "$build/merge_$t.log" >&2; echo "merge: $t failed" >&2; return 1; }
+    echo "merge: $t: $(ls "fuzz/corpus/$t" | wc -l) inputs in the corpus"
+  done
+}
+
 build_targets
+if [ "${1:-}" = "--merge" ]; then
+  merge "${2:?usage: tools/fuzz.sh --merge DIR}"
+  exit
+fi
 if [ "${1:-}" = "--replay" ]; then
   replay
   exit
