@@ -4,6 +4,8 @@
 #   tools/fuzz.sh TARGET [SECS]   one target (SECS defaults to 60)
 #   tools/fuzz.sh --replay        every corpus and regression input once through
 #                                 its target: what CI runs
+#   tools/fuzz.sh --triage        groups the inputs in build/fuzz/crashes by
+#                                 fault, smallest input first
 #   tools/fuzz.sh --merge DIR     adds the inputs of DIR/TARGET (or of the last
 #                                 runs, build/fuzz/work/TARGET, when DIR is
 #                                 "work") that reach new code to fuzz/corpus/TARGET
@@ -78,13 +80,16 @@ run_one() {
     $( [ -d "fuzz/regressions/$t" ] && echo "fuzz/regressions/$t" ) >"$log" 2>&1 || rc=$?
   local runs speed
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
-  speed=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log" | tail -n 1)
+  # Fork mode reports its running total on lines "#N: cov: ...".
+  [ -n "$runs" ] || runs=$(sed -n 's/^#\([0-9]*\): cov:.*/\1/p' "$log" | tail -n 1)
+  runs=${runs:-0}
+  speed=$((runs / secs))
   if [ $rc -ne 0 ]; then
-    echo "$t: FAULT after ${runs:-?} executions; input in $crashes (log: $log)"
+    echo "$t: FAULT after $runs executions in at most $secs s; input in $crashes (log: $log)"
     grep -m 1 -E 'ERROR: |runtime error|====' "$log" || true
     return 1
   fi
-  echo "$t: ${runs:-0} executions in ${secs} s, ${speed:-0} per second"
+  echo "$t: $runs executions in $secs s, $speed per second"
 }
 
 # Keeps only the inputs that add coverage to the corpus in the tree.
@@ -103,7 +108,34 @@ merge() {
   done
 }
 
+# The fault one input shows: the failed check, or the sanitizer's finding and
+# the first frame of the project's own code.
+signature() {
+  local t=$1 input=$2 log
+  log=$("$build/bin/fuzz_$t" -timeout=$timeout "$input" 2>&1) && { echo "passes"; return; }
+  local what frame
+  what=$(printf '%s\n' "$log" | grep -m 1 -oE '^==== .*|runtime error: [a-z -]*|AddressSanitizer: [a-z-]+|LeakSanitizer|libFuzzer: timeout|out-of-memory' || true)
+  frame=$(printf '%s\n' "$log" | grep -E '^ +#[0-9]+ .* in ' | grep -v -E 'fuzzsupport|__sanitizer|fuzzer::|libc|abort|raise|pthread|LLVMFuzzer' \
+          | grep -m 1 -oE 'in [^(]*' || true)
+  echo "${what:-unknown} | ${frame:-?}"
+}
+
+triage() {
+  local t f
+  for t in "${targets[@]}"; do
+    [ -d "$build/crashes/$t" ] || continue
+    for f in $(ls -S -r "$build/crashes/$t"); do
+      echo "$t | $(signature "$t" "$build/crashes/$t/$f") | $(wc -c <"$build/crashes/$t/$f") bytes | $f"
+    done | sort -t '|' -k 1,3 -s | awk -F '|' '{ key = $1 "|" $2 "|" $3; n[key]++; if (!(key in first)) { first[key] = $0; order[++k] = key } }
+      END { for (i = 1; i <= k; i++) print n[order[i]] "x  " first[order[i]] }'
+  done
+}
+
 build_targets
+if [ "${1:-}" = "--triage" ]; then
+  triage
+  exit
+fi
 if [ "${1:-}" = "--merge" ]; then
   merge "${2:?usage: tools/fuzz.sh --merge DIR}"
   exit
