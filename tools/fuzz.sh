@@ -124,7 +124,8 @@ triage() {
   local t f
   for t in "${targets[@]}"; do
     [ -d "$build/crashes/$t" ] || continue
-    for f in $(ls -S -r "$build/crashes/$t"); do
+    # The smallest inputs show each fault most plainly; a long run can leave thousands.
+    for f in $(ls -S -r "$build/crashes/$t" | head -n "${TRIAGE_LIMIT:-150}"); do
       echo "$t | $(signature "$t" "$build/crashes/$t/$f") | $(wc -c <"$build/crashes/$t/$f") bytes | $f"
     done | sort -t '|' -k 1,3 -s | awk -F '|' '{ key = $1 "|" $2 "|" $3; n[key]++; if (!(key in first)) { first[key] = $0; order[++k] = key } }
       END { for (i = 1; i <= k; i++) print n[order[i]] "x  " first[order[i]] }'
