@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the tests with AddressSanitizer and
-# UndefinedBehaviorSanitizer, and runs every one through ctest.
+# UndefinedBehaviorSanitizer, and runs every one through ctest; then replays
+# every kept fuzz input through its target, so a fixed fault stays fixed.
 set -euo pipefail
 cd "$(dirname "$0")"
 tools/deps.sh
@@ -9,5 +10,5 @@ export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
 export CCACHE_BASEDIR="$PWD"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTERVALON_TESTS=ON -DTERVALON_SANITIZE=ON >/dev/null
 cmake --build build/asan --parallel "$(nproc)"
-cd build/asan
-QT_QPA_PLATFORM=offscreen ctest --output-on-failure --parallel "$(nproc)" "$@"
+(cd build/asan && QT_QPA_PLATFORM=offscreen ctest --output-on-failure --parallel "$(nproc)" "$@")
+tools/fuzz.sh --replay

@@ -8,7 +8,7 @@
 
 namespace Tervalon {
 
-const ZBDateSlot ZBDateSlot::C_Blank(ZBDate(ZBDate::E_Blank), ZBDate(ZBDate::E_Blank));
+const ZBDateSlot ZBDateSlot::C_Blank{ZBDate(ZBDate::E_Blank), ZBDate(ZBDate::E_Blank)};
 
 ZBDateSlot::ZBDateSlot() : m_start(ZBDate::E_Blank), m_end(ZBDate::E_Blank) {}
 
