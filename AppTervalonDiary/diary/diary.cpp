@@ -685,12 +685,23 @@ int Diary::recalculate_entries()
     m_delayed.clear();
     build_entry_table();
     int result = ZBErrC_ok;
-    for (int phase = 0; phase < C_RecalculatePhases && !iszbwarn(result); ++phase)
+    for (int phase = 0; phase < C_RecalculatePhases && !iszbwarn(result); ++phase) {
+        // The tie-breakers need this pass's dates and who waits on what, so
+        // they are worked out just before the priorities; one pass settles.
+        if (phase == 4) {
+            for (int i = 0; i < get_nobjects(); ++i) {
+                DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+                if (entry && !entry->is_deleted() && entry->get_depend().get_activedepends() < 0)
+                    entry->upgrade_active_depend(*this);
+            }
+            calc_priority_order();
+        }
         for (DiaryEntry* entry : m_entries)
             if (iszbwarn(entry->recalculate(phase, this, cycle))) {
                 result = zbpass(ZBLOC);
                 break;
             }
+    }
     m_entryTable.clear();
     ++cycle;
     return result;
@@ -726,7 +737,6 @@ int Diary::recalculate(E_RecalcLevel level)
             if (DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i)))
                 m_hasPlans = !entry->is_deleted() && !entry->get_plan().get_planned().empty();
         repair_orig_ids();
-        calc_priority_order();
         if (iszbwarn(recalculate_entries()))
             return zbpass(ZBLOC);
         calc_display_order();

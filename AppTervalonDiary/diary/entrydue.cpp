@@ -402,7 +402,11 @@ void EntryDue::recalculate_due()
         entry->set_due_id(plan.get_preddue_id());
     }
     if (!entry->get_plan().get_muststart().is_ok() && due.calc.is_ok()) {
-        entry->edit_plan().set_muststart(due.calc - entry->get_duration().orig.get_remaining());
+        // An appointment's length is its slot, whatever its progress says yet.
+        const ZBDateSlot& slot = entry->get_time().orig;
+        const bool timed = entry->get_derived_entrytype() == 'A' && slot.m_start.is_ok() && slot.m_end.is_ok();
+        const ZBDuration remaining = timed ? slot.get_duration() : entry->get_duration().orig.get_remaining();
+        entry->edit_plan().set_muststart(due.calc - remaining);
         m_mustStartDerived = true;
     }
 }
