@@ -18,8 +18,8 @@ TEST(CliCommands, CreateCheckRewriteRoundTrip)
     ASSERT_EQ(created.status, 0) << created.err;
     CliRun checked = tervalon({"check", file});
     EXPECT_EQ(checked.status, 0) << checked.err;
-    // A new diary holds its default resource and the eight default specs.
-    EXPECT_EQ(checked.out, "Application type: TervalonDiary\nObjects: 9\n");
+    // A new diary holds its default resource and time type and the eight default specs.
+    EXPECT_EQ(checked.out, "Application type: TervalonDiary\nObjects: 10\n");
     const std::string before = Tervalon::Test::read_file(file);
     CliRun rewritten = tervalon({"rewrite", file});
     EXPECT_EQ(rewritten.status, 0) << rewritten.err;

@@ -300,7 +300,7 @@ TEST_F(EntryCommands, RmTakesTheWholeBranchAndNothingElse)
     // are left in the file, with the four removed entries kept as deleted.
     CliRun check = tervalon({"check", file});
     EXPECT_EQ(check.status, 0) << check.err;
-    EXPECT_EQ(check.out, "Application type: TervalonDiary\nObjects: 10\nDeleted objects kept: 4\n");
+    EXPECT_EQ(check.out, "Application type: TervalonDiary\nObjects: 11\nDeleted objects kept: 4\n");
     EXPECT_EQ(tervalon({"rm", file, deep}).status, 1);
 }
 

@@ -181,7 +181,8 @@ TEST_F(DiaryRecords, ANewDiaryHoldsTheDefaultSpecsParsedAndNoEntries)
     EXPECT_NE(diary.get_objectspec_by_name("TopLevel")->get_child_by_name("PS"), nullptr);
     EXPECT_EQ(diary.get_nentries(), 0);
     EXPECT_EQ(diary.get_nresources(), 1);
-    EXPECT_EQ(diary.get_nobjects(), 1 + 8);
+    EXPECT_EQ(diary.get_ntimetypes(), 1);
+    EXPECT_EQ(diary.get_nobjects(), 2 + 8);
 }
 
 TEST_F(DiaryRecords, ASpecNamingASystemValueReadsAndWritesTheRecordsField)

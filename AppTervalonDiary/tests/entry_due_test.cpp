@@ -200,3 +200,21 @@ TEST_F(EntryDueCalc, BadInputGivesAMessageOrASensibleResult)
     EXPECT_EQ(orphan->get_props().get_resource_calc(), diary.get_default_resource_id());
     EXPECT_FALSE(diary.get_circular_dependencies().empty());
 }
+
+TEST_F(EntryDueCalc, ARepeatCountsEveryInstanceInItsTotal)
+{
+    DiaryEntry* task = add(nullptr, "Daily");
+    task->edit_due().set_orig(at("3-Mar-2026 17:00"));
+    set_length(task, 2);
+    task->edit_duration().orig.set_completion(50.0);
+    ASSERT_EQ(task->edit_repeat().from_string("T=2@N=1"), ZBErrC_ok);
+    // Without an end the series has no total: the instance stands alone.
+    plan();
+    EXPECT_EQ(task->get_due_facet().get_total_duration().get_duration(), ZBDuration(2 * 3600));
+    // The 3rd to the 6th: four instances, only the first partly done.
+    task->edit_repeat().set_range_end(at("6-Mar-2026 23:00"), true);
+    plan();
+    const ZBProgress& total = task->get_due_facet().get_total_duration();
+    EXPECT_EQ(total.get_duration(), ZBDuration(8 * 3600));
+    EXPECT_NEAR(total.get_completion(), 12.5, 1e-9);
+}

@@ -31,8 +31,8 @@ TEST(SampleScript, BuildsADiaryThatChecksAndPrints)
 
     CliRun check = tervalon({"check", file});
     ASSERT_EQ(check.status, 0) << check.err;
-    // 39 entries, the default resource and the eight default specs.
-    EXPECT_EQ(check.out, "Application type: TervalonDiary\nObjects: 48\n");
+    // 39 entries, the default resource and time type and the eight default specs.
+    EXPECT_EQ(check.out, "Application type: TervalonDiary\nObjects: 49\n");
 
     CliRun tree = tervalon({"tree", file});
     ASSERT_EQ(tree.status, 0) << tree.err;
