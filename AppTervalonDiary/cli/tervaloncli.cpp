@@ -1,5 +1,7 @@
 #include "AppTervalonDiary/cli/tervaloncli.h"
 #include "AppTervalonDiary/cli/cmdadd.h"
+#include "AppTervalonDiary/cli/cmdalerts.h"
+#include "AppTervalonDiary/cli/cmdplan.h"
 #include "AppTervalonDiary/cli/cmdcalendar.h"
 #include "AppTervalonDiary/cli/cmdcheck.h"
 #include "AppTervalonDiary/cli/cmddepend.h"
@@ -47,6 +49,8 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdCalendar()));
     add_command(std::unique_ptr<CliCommand>(new CmdResource()));
     add_command(std::unique_ptr<CliCommand>(new CmdTimeType()));
+    add_command(std::unique_ptr<CliCommand>(new CmdPlan()));
+    add_command(std::unique_ptr<CliCommand>(new CmdAlerts()));
 }
 
 TervalonCli::~TervalonCli() = default;

@@ -539,7 +539,7 @@ void Diary::force_recalculate(bool structure, bool immediate, bool, bool)
 bool Diary::is_delayed_range(int resource, const ZBDate& date) const
 {
     auto it = m_delayed.find(resource);
-    return it != m_delayed.end() && !(it->second < date);
+    return date.is_ok() && it != m_delayed.end() && !(it->second < date);
 }
 
 void Diary::set_delayed_range(int resource, const ZBDate& date)
@@ -609,29 +609,158 @@ void Diary::containers_resolved()
     ZBDiary::containers_resolved();
 }
 
-int Diary::recalculate_entry(DiaryEntry& entry)
+void Diary::build_entry_table()
 {
-    if (iszbwarn(entry.recalculate(-1, this, 0)))
+    // Ids are given out in order, so a table by id is small; a damaged file
+    // with a few huge ids falls back to the map.
+    m_entryTable.clear();
+    if (next_id() < 0 || next_id() >= 4 * get_nobjects() + 1024)
+        return;
+    m_entryTable.assign(size_t(next_id()) + 1, nullptr);
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (entry && !entry->is_deleted() && entry->get_id() >= 0 && entry->get_id() <= next_id())
+            m_entryTable[size_t(entry->get_id())] = entry;
+    }
+}
+
+void Diary::repair_orig_ids()
+{
+    // A diary with one resource books everything against it; entries without
+    // a time type take the first one. Appointments keep blocking their time.
+    auto missing = [](int id) { return id == -1 || id == -2 || id == -3; };
+    const int resource = m_resources.size() == 1 ? m_resources.get(0)->get_id() : -1;
+    const int timeType = m_timeTypes.size() > 0 ? m_timeTypes.get(0)->get_id() : -1;
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (!entry || entry->is_deleted())
+            continue;
+        EntryProperties& props = entry->edit_props();
+        const int own = props.get_resource_orig();
+        if (resource >= 0 && (missing(own) || !get_resource_by_id(own)) && own != resource) {
+            props.set_resource_orig(resource, false);
+            entry->mark_changed(ZBLOC, true);
+        }
+        if (timeType >= 0 && missing(props.get_timetype_orig()) && entry->get_entrytype() != 'A'
+            && entry->get_derived_entrytype() != 'A') {
+            props.set_timetype_orig(timeType);
+            entry->mark_changed(ZBLOC, true);
+        }
+    }
+}
+
+void Diary::calc_priority_order()
+{
+    // Post-order, so that each entry sees its children's highest value.
+    std::vector<DiaryEntry*> stack(m_entries.begin(), m_entries.end());
+    std::vector<DiaryEntry*> order;
+    while (!stack.empty()) {
+        DiaryEntry* entry = stack.back();
+        stack.pop_back();
+        order.push_back(entry);
+        for (DiaryEntry* child : entry->get_children())
+            stack.push_back(child);
+    }
+    for (auto it = order.rbegin(); it != order.rend(); ++it)
+        (*it)->edit_priority_facet().reset_priority_order();
+
+    int live = 0;
+    for (int i = 0; i < get_nobjects(); ++i)
+        live += !get_object_by_index(i)->is_deleted();
+    double n = double(live);
+    double step = 0.1;
+    while (n > 1.0) {
+        n /= 10.0;
+        step /= 10.0;
+    }
+    ZBPtrArray<DiaryEntry> top;
+    top.set_managed(false);
+    for (DiaryEntry* entry : m_entries)
+        top.push_back(entry);
+    DiaryEntry::sort_entries(top, DiaryEntry::E_SortChildPriority);
+    double counter = 0.0;
+    for (int i = top.size() - 1; i >= 0; --i)
+        top.at(i)->edit_priority_facet().push_priority_order(counter, step);
+}
+
+void Diary::calc_display_order()
+{
+    for (int i = 0; i < get_nobjects(); ++i)
+        if (DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i)))
+            entry->edit_priority_facet().reset_display_order();
+    ZBPtrArray<DiaryEntry> top;
+    top.set_managed(false);
+    for (DiaryEntry* entry : m_entries)
+        top.push_back(entry);
+    const int order = m_settings.get_sortorder();
+    DiaryEntry::sort_entries(top, order);
+    int counter = 0;
+    for (int i = 0; i < top.size(); ++i)
+        top.at(i)->edit_priority_facet().push_display_order(order, counter);
+}
+
+int Diary::recalculate_entries()
+{
+    static int cycle = 0;
+    m_delayed.clear();
+    build_entry_table();
+    int result = ZBErrC_ok;
+    for (int phase = 0; phase < C_RecalculatePhases && !iszbwarn(result); ++phase) {
+        // The tie-breakers need this pass's dates and who waits on what, so
+        // they are worked out just before the priorities; one pass settles.
+        if (phase == 4) {
+            for (int i = 0; i < get_nobjects(); ++i) {
+                DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+                if (entry && !entry->is_deleted() && entry->get_depend().get_activedepends() < 0)
+                    entry->upgrade_active_depend(*this);
+            }
+            calc_priority_order();
+        }
+        for (DiaryEntry* entry : m_entries)
+            if (iszbwarn(entry->recalculate(phase, this, cycle))) {
+                result = zbpass(ZBLOC);
+                break;
+            }
+    }
+    m_entryTable.clear();
+    ++cycle;
+    return result;
+}
+
+int Diary::full_recalculate()
+{
+    if (iszbwarn(calculate_dependencies()) || iszbwarn(recalculate(E_RecalcQuick)))
         return zbpass(ZBLOC);
-    for (DiaryEntry* child : entry.get_children())
-        if (iszbwarn(recalculate_entry(*child)))
-            return zbpass(ZBLOC);
-    // Types and instances come from the children, so they are settled on the way up.
-    entry.calc_derived_entrytype();
-    entry.edit_etime().recalculate_date();
-    entry.update_first_plan();
-    m_hasPlans = m_hasPlans || !entry.get_plan().get_planned().empty();
     return ZBErrC_ok;
+}
+
+std::vector<DiaryEntry*> Diary::get_display_list() const
+{
+    std::vector<DiaryEntry*> result;
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (entry && !entry->is_deleted())
+            result.push_back(entry);
+    }
+    std::stable_sort(result.begin(), result.end(), [](const DiaryEntry* a, const DiaryEntry* b) {
+        return a->get_priority_facet().get_displayorder() < b->get_priority_facet().get_displayorder();
+    });
+    return result;
 }
 
 int Diary::recalculate(E_RecalcLevel level)
 {
     m_settings.refresh_settings();
-    m_delayed.clear();
     m_hasPlans = false;
-    for (DiaryEntry* entry : m_entries)
-        if (iszbwarn(recalculate_entry(*entry)))
+    if (m_entries.size() > 0) {
+        for (int i = 0; i < get_nobjects() && !m_hasPlans; ++i)
+            if (DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i)))
+                m_hasPlans = !entry->is_deleted() && !entry->get_plan().get_planned().empty();
+        repair_orig_ids();
+        if (iszbwarn(recalculate_entries()))
             return zbpass(ZBLOC);
+        calc_display_order();
+    }
     if (level >= E_RecalcFull)
         m_recalcMgr.done();
     return ZBDiary::recalculate(level);

@@ -125,11 +125,24 @@ public:
     // What the last allocate_times left free in slot.
     ZBDuration get_free_time(const ZBDateSlot& slot, int resourceId) const;
 
+    // The cheap pass's entry phases, and the full pass without the planner.
+    static constexpr int C_RecalculatePhases = 6;
+    int recalculate_entries();
+    int full_recalculate();
+    // The tie-breakers of the priorities, before each pass.
+    void calc_priority_order();
+    void calc_display_order();
+    // Every live entry in display order.
+    std::vector<DiaryEntry*> get_display_list() const;
+
+    // True when date is valid and at or before the latest due of a late task
+    // of the resource.
     bool is_delayed_range(int resource, const ZBDate& date) const;
     void set_delayed_range(int resource, const ZBDate& date);
 
 private:
-    int recalculate_entry(DiaryEntry& entry);
+    void build_entry_table();
+    void repair_orig_ids();
     void setup_default_calendar();
     const Resource* resource_or_first(int id) const;
 

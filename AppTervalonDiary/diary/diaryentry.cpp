@@ -568,6 +568,9 @@ bool DiaryEntry::is_active() const
 
 void DiaryEntry::upgrade_active_depend(Diary& diary)
 {
+    // An entry that never had dependencies resolved waits for nothing.
+    if (!m_depend)
+        return;
     // Zero first, so that a loop back to this entry finds it settled.
     edit_depend().set_activedepends(0);
     for (int id : get_depend().get_full_depends()) {
@@ -829,6 +832,18 @@ bool DiaryEntry::is_mandatory_child(const DiaryEntry& child) const
     return declared && declared->m_mandatory;
 }
 
+namespace {
+// A finished entry's calculated priority carries the offset for its state;
+// the fold keeps the highest that the user gave it or the entries folded in.
+double folded_priority(const DiaryEntry& entry)
+{
+    double priority = entry.get_priority().orig;
+    for (const DiaryEntry* child : entry.get_children())
+        priority = std::max(priority, folded_priority(*child));
+    return priority;
+}
+} // namespace
+
 int DiaryEntry::compact(Diary* diary, bool force)
 {
     for (DiaryEntry* child : std::vector<DiaryEntry*>(m_children.begin(), m_children.end()))
@@ -858,7 +873,7 @@ int DiaryEntry::compact(Diary* diary, bool force)
         return ZBErrC_ok;
     const ZBDuration baselineDuration = get_baseline().get_duration().orig;
     const ZBDateSlot baselineSlot = get_baseline().get_start_end().orig;
-    const double priority = m_priority.calc;
+    const double priority = folded_priority(*this);
     const ZBProgress progress = m_duration.calc;
     const ZBDateSlot slot = m_etime.get_calc_date();
     const ZBDate startAfter = m_start.calc;
@@ -1028,48 +1043,72 @@ int DiaryEntry::sort_entries(ZBPtrArray<DiaryEntry>& entries, int order)
 
 // ---------------------------------------------------------------- recalculation
 
-int DiaryEntry::recalculate(int phase, Diary* diary, int)
+int DiaryEntry::recalculate_push_down(Diary* diary)
 {
-    (void)phase;
-    calc_derived_entrytype();
-    const DiaryEntry* parent = get_parent_entry();
-    // Values pushed down: the earlier due, the later start-after, the parent's
-    // priority where none was given, the parent's resource and time type.
-    m_due.set_calc(m_due.orig);
-    m_dueSource = m_due.orig.is_ok() ? get_id() : -1;
-    m_start.set_calc(m_start.orig);
-    m_startSource = m_start.orig.is_ok() ? get_id() : -1;
-    m_priority.set_calc(m_priority.orig);
-    m_prioritySource = m_priority.orig > 0.0 ? get_id() : -1;
-    if (parent) {
-        const ZBDate& due = parent->get_due().calc;
-        if (due.is_ok() && (!m_due.calc.is_ok() || due < m_due.calc)) {
-            m_due.set_calc(due);
-            m_dueSource = parent->get_due_id();
-        }
-        const ZBDate& start = parent->get_start().calc;
-        if (start.is_ok() && (!m_start.calc.is_ok() || m_start.calc < start)) {
-            m_start.set_calc(start);
-            m_startSource = parent->get_startafter_id();
-        }
-        if (m_priority.orig <= 0.0) {
-            m_priority.set_calc(parent->get_priority().calc);
-            m_prioritySource = parent->get_priority_id();
-        }
+    DiaryEntry* parent = get_parent_entry();
+    if (iszbwarn(edit_due_facet().recalculate_push_down(parent, diary)))
+        return zbpass(ZBLOC);
+    int resource = parent ? parent->get_props().get_resource_calc() : m_props.get_resource_orig();
+    // A top-level entry left to its parent, or naming a resource that is gone,
+    // is booked against the first resource.
+    if (diary && (resource < 0 || !diary->get_resource_by_id(resource)))
+        resource = diary->get_default_resource_id();
+    m_props.upgrade_resource(resource);
+    if (diary && m_props.get_resource_calc() >= 0 && !diary->get_resource_by_id(m_props.get_resource_calc()))
+        m_props.set_resource_calc(resource);
+    m_props.upgrade_time_type(parent ? parent->get_props().get_timetype_calc() : TimeType::C_UnassignedTimeTypeId);
+    m_priorityFacet.reset_initial_priority();
+    return ZBErrC_ok;
+}
+
+int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
+{
+    const bool all = phase < 0;
+    const bool need = true;
+    if (phase == 1 || all) {
+        calc_derived_entrytype();
+        if (iszbwarn(recalculate_push_down(diary)))
+            return zbpass(ZBLOC);
+        if (m_depend)
+            m_depend->set_activedepends(-1);
     }
-    int resource = m_props.get_resource_orig();
-    if (resource == EntryProperties::C_ParentId)
-        resource = parent ? parent->get_props().get_resource_calc() : (diary ? diary->get_default_resource_id() : -1);
-    m_props.set_resource_calc(resource);
-    int timeType = m_props.get_timetype_orig();
-    if (timeType == EntryProperties::C_ParentId)
-        timeType = parent ? parent->get_props().get_timetype_calc() : -1;
-    m_props.set_timetype_calc(timeType);
-    ZBProgress progress = m_duration.orig;
-    m_duration.set_calc(progress);
-    m_priorityFacet.set_nondue_priority(m_priority.calc);
-    if (m_depend)
-        m_depend->set_activedepends(0);
+    if (phase == 4 || all) {
+        if (diary) {
+            if (get_depend().get_activedepends() < 0)
+                upgrade_active_depend(*diary);
+            // A task already past its latest start or its due delays what its
+            // resource does until that due.
+            const ZBDate& mustStart = get_plan().get_muststart();
+            const ZBDate now = ZBDateUtils::now();
+            if (get_nchildren() == 0 && !is_complete() && get_derived_entrytype() == 'T' && m_due.calc.is_ok()
+                && ((mustStart.is_ok() && mustStart <= now) || m_due.calc <= now))
+                diary->set_delayed_range(m_props.get_resource_calc(), m_due.calc);
+        } else if (m_depend && m_depend->get_activedepends() < 0) {
+            m_depend->set_activedepends(0);
+        }
+        m_priorityFacet.calc_initial_priority(diary);
+    }
+    if (!all)
+        for (DiaryEntry* child : m_children)
+            if (iszbwarn(child->recalculate(phase, diary, cycle)))
+                return zbpass(ZBLOC);
+    if (phase == 2)
+        edit_due_facet().push_dependencies(diary);
+    if (phase == 3 || all) {
+        calc_derived_entrytype();
+        edit_due_facet().recalculate_start_after();
+        edit_due_facet().recalculate_due();
+        if (iszbwarn(edit_due_facet().recalculate_autocompletion(need)))
+            return zbpass(ZBLOC);
+        m_etime.recalculate_date();
+        edit_due_facet().recalculate_duration(need);
+    }
+    if (phase == 5 || all) {
+        m_priorityFacet.recalculate_priority(diary);
+        m_props.update_alerts(diary, false);
+        update_first_plan();
+        m_needRecalculate = false;
+    }
     return ZBErrC_ok;
 }
 

@@ -80,6 +80,9 @@ public:
     int get_startafter_id() const { return m_startSource; }
     int get_due_id() const { return m_dueSource; }
     int get_priority_id() const { return m_prioritySource; }
+    void set_startafter_id(int id) { m_startSource = id; }
+    void set_due_id(int id) { m_dueSource = id; }
+    void set_priority_id(int id) { m_prioritySource = id; }
 
     // Facets.
     const EntryProperties& get_props() const { return m_props; }
@@ -174,6 +177,8 @@ public:
     // The cheap pass over live data: types, values pushed down from the
     // parent, and the date slot. Phase -1 runs every step.
     int recalculate(int phase, Diary* diary, int cycle);
+    // Dates, resource and time type from the parent; priority reset for the pass.
+    int recalculate_push_down(Diary* diary);
     void update_first_plan();
     const ZBDate& get_plan_start() const { return m_planStart; }
     void set_plan_start(const ZBDate& date) { m_planStart = date; }

@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/diary/entryplan.h"
+#include "LibDate/date/zbdateutils.h"
 #include "AppTervalonDiary/diary/diaryentry.h"
 #include "LibObject/object/zbdump.h"
 
@@ -34,6 +35,28 @@ void EntryPlan::set_defaults(bool)
     m_predictedTrans = false;
     m_totalPlan = ZBDuration();
     m_clash.clear();
+    m_mustStart = ZBDate::C_Blank;
+    m_predDue = ZBDate::C_Blank;
+    m_predDueId = -1;
+    m_problemDate.clear();
+}
+
+bool EntryPlan::should_start() const
+{
+    const DiaryEntry* entry = get_entry();
+    if (!entry || entry->is_complete() || entry->get_spent().has_running_session() || m_predicted.empty())
+        return false;
+    const ZBDate first = m_predicted.start();
+    return first.is_ok() && first <= ZBDateUtils::now();
+}
+
+bool EntryPlan::could_overrun() const
+{
+    const DiaryEntry* entry = get_entry();
+    if (!entry || m_predicted.empty() || !entry->get_due().calc.is_ok())
+        return false;
+    const ZBDate last = m_predicted.end();
+    return last.is_ok() && entry->get_due().calc < last;
 }
 
 void EntryPlan::dump(std::ostream& out, int indent) const

@@ -31,7 +31,27 @@ public:
     // Drops fixed plans that end at or before date; a blank date drops them all.
     void remove_plans(const ZBDate& date);
     bool get_is_planned() const { return m_isPlanned; }
+    void set_is_planned(bool planned) { m_isPlanned = planned; }
     const std::vector<std::string>& get_clash() const { return m_clash; }
+    std::vector<std::string>& edit_clash() { return m_clash; }
+    // The latest moment work must begin to meet the due date.
+    const ZBDate& get_muststart() const { return m_mustStart; }
+    void set_muststart(const ZBDate& date) { m_mustStart = date; }
+    // The due date the planner derived, and the entry it came from.
+    const ZBDate& get_preddue() const { return m_predDue; }
+    int get_preddue_id() const { return m_predDueId; }
+    void set_preddue(const ZBDate& date, int id)
+    {
+        m_predDue = date;
+        m_predDueId = id;
+    }
+    // Dates the planner could not fit; shown as early warnings.
+    const std::vector<ZBDate>& get_problem_dates() const { return m_problemDate; }
+    std::vector<ZBDate>& edit_problem_dates() { return m_problemDate; }
+    // The planned work begins now or has begun, and no session is running.
+    bool should_start() const;
+    // The planned work ends after the due date.
+    bool could_overrun() const;
 
 private:
     ZBDateSet m_predicted;
@@ -40,6 +60,10 @@ private:
     bool m_predictedTrans;
     ZBDuration m_totalPlan;
     std::vector<std::string> m_clash;
+    ZBDate m_mustStart{ZBDate::E_Blank};
+    ZBDate m_predDue{ZBDate::E_Blank};
+    int m_predDueId = -1;
+    std::vector<ZBDate> m_problemDate;
 };
 
 } // namespace Tervalon

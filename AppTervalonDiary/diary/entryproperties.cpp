@@ -1,7 +1,10 @@
 #include "AppTervalonDiary/diary/entryproperties.h"
+#include "AppTervalonDiary/diary/diary.h"
 #include "AppTervalonDiary/diary/diaryentry.h"
+#include "LibDate/date/zbdateutils.h"
 #include "LibObject/object/zbdump.h"
 
+#include <algorithm>
 #include <ostream>
 
 namespace Tervalon {
@@ -31,6 +34,7 @@ void EntryProperties::set_defaults(bool)
     m_resource = ZBCalcPair<int>(C_ParentId);
     m_timeType = ZBCalcPair<int>(C_ParentId);
     m_report = false;
+    m_notify.clear();
 }
 
 void EntryProperties::dump(std::ostream& out, int indent) const
@@ -59,5 +63,145 @@ int EntryProperties::serialise_facet(ZBObject& owner, std::istream* in, std::ost
 }
 
 const char* const EntryProperties::C_JournalSource = "Jnl";
+
+void EntryProperties::set_resource_orig(int id, bool replan)
+{
+    m_resource.set_orig(id);
+    DiaryEntry* entry = get_entry();
+    if (!entry)
+        return;
+    const DiaryEntry* parent = entry->get_parent_entry();
+    upgrade_resource(parent ? parent->get_props().get_resource_calc() : id);
+    if (replan)
+        entry->clear_predicted(true);
+}
+
+void EntryProperties::upgrade_resource(int value)
+{
+    m_resource.set_calc(m_resource.orig == Resource::C_ParentResourceId ? value : m_resource.orig);
+}
+
+void EntryProperties::upgrade_time_type(int value)
+{
+    DiaryEntry* entry = get_entry();
+    const char type = entry ? entry->get_derived_entrytype() : 'T';
+    resolve_timetype(type);
+    if (type != 'A' && m_timeType.orig == TimeType::C_ParentTimeTypeId)
+        m_timeType.set_calc(value);
+    else
+        m_timeType.set_calc(m_timeType.orig);
+}
+
+void EntryProperties::resolve_timetype(char type)
+{
+    const int orig = m_timeType.orig;
+    int repaired = orig;
+    if (type == 'A') {
+        if (orig == TimeType::C_UnassignedTimeTypeId || orig == TimeType::C_ParentTimeTypeId
+            || orig == TimeType::C_UnknownTimeTypeId)
+            repaired = TimeType::C_BlockingTimeTypeId;
+    } else if (orig == TimeType::C_BlockingTimeTypeId || orig == TimeType::C_FreeTimeTypeId) {
+        repaired = TimeType::C_ParentTimeTypeId;
+    }
+    if (repaired == orig)
+        return;
+    m_timeType.set_orig(repaired);
+    if (DiaryEntry* entry = get_entry())
+        entry->mark_changed(ZBLOC, true);
+}
+
+// ---------------------------------------------------------------- alerts
+
+void EntryProperties::update_alerts(Diary* diary, bool offline)
+{
+    m_notify.clear();
+    DiaryEntry* entry = get_entry();
+    if (iszbwarn(ZBASSERT(entry != nullptr)))
+        return;
+    const ZBDate now = ZBDateUtils::now();
+    const EntrySpent& spent = entry->get_spent();
+    const EntryPlan& plan = entry->get_plan();
+    const bool running = spent.has_running_session();
+    const ZBProgress& progress = entry->get_duration().calc;
+    const double priority = entry->get_priority().calc;
+    const std::string& title = entry->get_summary();
+    const int id = entry->get_id();
+    const bool appointment = entry->get_derived_entrytype() == 'A';
+    const bool leaf = entry->get_nchildren() == 0;
+
+    bool over = false;
+    bool mayOver = false;
+    if (running) {
+        ZBDate from = ZBDate::C_Blank;
+        if (entry->get_repeat().is_repeating() && entry->get_start().calc.is_ok())
+            from = entry->get_start().calc;
+        const ZBDuration used = entry->get_due_facet().get_total_spent(from);
+        over = used > progress.get_duration();
+        const ZBDuration session = now - spent.get_current_session().m_start;
+        mayOver = !over && (used - session) + progress.get_remaining() > progress.get_duration() + ZBDuration(10);
+    }
+
+    int level = 0;
+    if (priority >= EntryPriority::C_PriorityDue || (diary && diary->get_checker().has_error(id)))
+        level = 4;
+    else if (priority >= EntryPriority::C_PriorityUrgent || over)
+        level = 3;
+    else if (plan.could_overrun() || mayOver)
+        level = 2;
+    else if (!plan.get_problem_dates().empty() && diary && diary->get_settings().get_future_warnings())
+        level = 1;
+
+    const ZBDate blank = ZBDate::C_Blank;
+    const int reminderMinutes = diary ? diary->get_settings().get_reminder_time() : 15;
+    const ZBDuration reminderTime(std::int64_t(reminderMinutes) * 60);
+    const ZBDate& start = entry->get_start().calc;
+    if (!entry->is_complete()) {
+        const ZBDate& due = entry->get_due().orig;
+        const ZBDate& mustStart = plan.get_muststart();
+        if (due.is_ok() && due <= now)
+            m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
+        if (appointment && start.is_ok() && start < now && !running)
+            m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
+        if (mustStart.is_ok() && mustStart <= now && !plan.get_is_planned() && leaf)
+            m_notify.emplace_back(Diary::C_NotifyUrgent, priority, "Urgent: " + title, id, blank);
+        if (plan.could_overrun() && leaf && !plan.should_start())
+            m_notify.emplace_back(Diary::C_NotifyDelayed, priority, "Delayed: " + title, id, blank);
+        if (appointment && start.is_ok() && now < start && start <= now + reminderTime)
+            m_notify.emplace_back(Diary::C_NotifyReminder, priority,
+                                  "Reminder: " + title + " at " + start.to_string(), id, blank);
+        if (plan.should_start())
+            m_notify.emplace_back(Diary::C_NotifyShouldStart, priority, "Should start: " + title, id, blank);
+    }
+    if (!plan.get_clash().empty())
+        m_notify.emplace_back(Diary::C_NotifyClash, EntryPriority::C_PriorityUrgent,
+                              "Time Clash with: " + plan.get_clash().front(), id, blank);
+    if (over)
+        m_notify.emplace_back(Diary::C_NotifyOverSpend, 100.0, "Over Spent: " + title, id, blank);
+    if (mayOver)
+        m_notify.emplace_back(Diary::C_NotifyMayOverSpend, 50.0, "May Over Spend: " + title, id, blank);
+
+    // Reminders for later, for a list that shows them when their time comes.
+    if (offline && !entry->is_complete()) {
+        const std::string text = "Reminder: " + title;
+        if (appointment && start.is_ok()) {
+            const ZBDate early = start - reminderTime;
+            if (now < early)
+                m_notify.emplace_back(Diary::C_NotifyReminder, 400.0, text, id, early);
+            else if (now < start)
+                m_notify.emplace_back(Diary::C_NotifyReminder, 400.0, text, id, start);
+        } else if (!appointment) {
+            const ZBDate& mustStart = plan.get_muststart();
+            if (mustStart.is_ok() && now < mustStart)
+                m_notify.emplace_back(Diary::C_NotifyReminder, 300.0, text, id, mustStart);
+            const ZBDate& due = entry->get_due().calc;
+            if (due.is_ok() && now < due)
+                m_notify.emplace_back(Diary::C_NotifyReminder, 300.0, text, id, due);
+        }
+    }
+
+    for (const DiaryEntry* child : entry->get_children())
+        level = std::max(level, child->get_alert_state());
+    entry->set_alert_state(level);
+}
 
 } // namespace Tervalon

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "AppTervalonDiary/diary/entryfacet.h"
+#include "LibDiary/diary/zbnotifyitem.h"
 #include "LibObject/container/zbcalcpair.h"
 
 #include <string>
 #include <vector>
 
 namespace Tervalon {
+
+class Diary;
 
 // Who does an entry and under which kind of time, as entered (orig) and as
 // resolved through the parents (calc), and whether it appears in reports.
@@ -29,19 +32,34 @@ public:
 
     int get_resource_orig() const { return m_resource.orig; }
     int get_resource_calc() const { return m_resource.calc; }
-    void set_resource_orig(int id) { m_resource.set_orig(id); }
+    // Takes effect at once, through the parent where the choice is "<Parent>";
+    // with replan the entry's predictions are dropped.
+    void set_resource_orig(int id, bool replan = true);
     void set_resource_calc(int id) { m_resource.set_calc(id); }
+    // value is the parent's resource, or the entry's own choice at the top.
+    void upgrade_resource(int value);
     int get_timetype_orig() const { return m_timeType.orig; }
     int get_timetype_calc() const { return m_timeType.calc; }
     void set_timetype_orig(int id) { m_timeType.set_orig(id); }
     void set_timetype_calc(int id) { m_timeType.set_calc(id); }
+    // Appointments block time of their own; other entries cannot block and
+    // so take their parent's type instead.
+    void upgrade_time_type(int value);
+    // Repairs orig for an entry whose type letter changed to type.
+    void resolve_timetype(char type);
     bool get_report() const { return m_report; }
     void set_report(bool report) { m_report = report; }
+
+    // The entry's alert level (0 to 4) and the notifications of this round;
+    // with offline, reminders for later are added with their dates.
+    void update_alerts(Diary* diary, bool offline);
+    const std::vector<ZBNotifyItem>& get_notifications() const { return m_notify; }
 
 private:
     ZBCalcPair<int> m_resource;
     ZBCalcPair<int> m_timeType;
     bool m_report;
+    std::vector<ZBNotifyItem> m_notify;
 };
 
 } // namespace Tervalon

@@ -101,7 +101,10 @@ TEST_F(EntryCommands, AddTakesEveryTypeLetter)
     }
     const std::string text = tree();
     for (size_t i = 0; i < ids.size(); ++i)
-        EXPECT_NE(text.find(ids[i] + " " + rows[i].letter + " Kind " + rows[i].letter + "  0%\n"), std::string::npos)
+        // A note is as done as its commands, so one without any is finished.
+        EXPECT_NE(text.find(ids[i] + " " + rows[i].letter + " Kind " + rows[i].letter +
+                            (rows[i].letter[0] == 'J' ? "  100%\n" : "  0%\n")),
+                  std::string::npos)
             << text;
 }
 
@@ -135,8 +138,9 @@ TEST_F(EntryCommands, AddReadsParentsDatesDurationsPrioritiesAndRules)
     EXPECT_EQ(disk->entry(note)->get_time().orig.m_start, at("1-Mar-2026 21:00"));
 
     const std::string text = tree();
-    EXPECT_NE(text.find(project + " O Project  0%\n  " + stage + " O Stage  0%\n    " + task +
-                        " T Write  due 2026-03-04 08:00  0%\n"),
+    // The folders take their due from the task below them.
+    EXPECT_NE(text.find(project + " O Project  due 2026-03-04 08:00  0%\n  " + stage +
+                        " O Stage  due 2026-03-04 08:00  0%\n    " + task + " T Write  due 2026-03-04 08:00  0%\n"),
               std::string::npos)
         << text;
 }
@@ -389,7 +393,9 @@ TEST_F(EntryCommands, TreeShowsWhenAppointmentsAndNotesStand)
     const std::string note = add({"--type", "J", "--title", "Note", "--start", "+1 day 9:00"});
     const std::string task = add({"--type", "T", "--title", "Task"});
     const std::string text = tree();
-    EXPECT_NE(text.find(meeting + " A Meeting  at 2026-03-04 14:30  0%\n"), std::string::npos) << text;
-    EXPECT_NE(text.find(note + " J Note  at 2026-03-03 09:00  0%\n"), std::string::npos) << text;
+    // An appointment is due at its end.
+    EXPECT_NE(text.find(meeting + " A Meeting  at 2026-03-04 14:30  due 2026-03-04 15:30  0%\n"), std::string::npos)
+        << text;
+    EXPECT_NE(text.find(note + " J Note  at 2026-03-03 09:00  100%\n"), std::string::npos) << text;
     EXPECT_NE(text.find(task + " T Task  0%\n"), std::string::npos) << text;
 }

@@ -13,11 +13,11 @@ namespace Tervalon {
 class ZBNotifyItem {
 public:
     ZBNotifyItem() = default;
-    ZBNotifyItem(int scheme, int priority, const std::string& text, int objectId, const ZBDate& date)
+    ZBNotifyItem(int scheme, double priority, const std::string& text, int objectId, const ZBDate& date)
         : m_scheme(scheme), m_priority(priority), m_text(text), m_objectId(objectId), m_date(date) {}
 
     int get_scheme() const { return m_scheme; }
-    int get_priority() const { return m_priority; }
+    double get_priority() const { return m_priority; }
     const std::string& get_text() const { return m_text; }
     int get_object_id() const { return m_objectId; }
     const ZBDate& get_date() const { return m_date; }
@@ -32,7 +32,7 @@ public:
 
 private:
     int m_scheme = 0;
-    int m_priority = 0;
+    double m_priority = 0.0;
     std::string m_text;
     int m_objectId = -1;
     ZBDate m_date{ZBDate::E_Blank};

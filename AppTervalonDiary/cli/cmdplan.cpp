@@ -1,0 +1,169 @@
+#include "AppTervalonDiary/cli/cmdplan.h"
+#include "AppTervalonDiary/cli/cliplan.h"
+#include "AppTervalonDiary/diary/diary.h"
+#include "LibCore/error/zberror.h"
+#include "LibDate/date/zbdateutils.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+#include <ostream>
+
+namespace Tervalon {
+
+namespace {
+QString qstr(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+QJsonValue json_date(const ZBDate& date)
+{
+    return date.is_ok() ? QJsonValue(qstr(date.to_iso())) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonArray json_ids(const std::vector<int>& ids)
+{
+    QJsonArray array;
+    for (int id : ids)
+        array.append(id);
+    return array;
+}
+
+std::string resource_name(const Diary& diary, int id)
+{
+    const Resource* resource = diary.get_resource_by_id(id);
+    return resource ? resource->get_username() : Resource::reserved_name(id);
+}
+
+std::string timetype_name(const Diary& diary, int id)
+{
+    switch (id) {
+    case TimeType::C_BlockingTimeTypeId:
+        return "<Blocking>";
+    case TimeType::C_FreeTimeTypeId:
+        return "<Free>";
+    default:
+        return diary.get_timetype_by_id(id) ? diary.get_timetype_name_by_id(id) : std::string();
+    }
+}
+
+QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
+{
+    const EntryDue& due = entry.get_due_facet();
+    const EntryPriority& priority = entry.get_priority_facet();
+    QJsonObject object;
+    object["id"] = entry.get_id();
+    object["type"] = QString(QChar(entry.get_derived_entrytype()));
+    object["title"] = qstr(entry.get_summary());
+    object["complete"] = entry.get_duration().orig.get_completion();
+    object["resource"] = qstr(resource_name(diary, entry.get_props().get_resource_calc()));
+    object["timeType"] = qstr(timetype_name(diary, entry.get_props().get_timetype_calc()));
+    object["startAfter"] = json_date(entry.get_start().calc);
+    object["startSource"] = entry.get_startafter_id();
+    object["due"] = json_date(entry.get_due().calc);
+    object["dueSource"] = entry.get_due_id();
+    object["duration"] = double(due.get_duration_calc().get_as_seconds());
+    object["remaining"] = double(due.get_remaining_calc().get_as_seconds());
+    object["priority"] = entry.get_priority().calc;
+    object["nonDuePriority"] = priority.get_non_due_priority();
+    object["prioritySource"] = entry.get_priority_id();
+    object["active"] = entry.is_active();
+    object["dependsOn"] = json_ids(entry.get_depend().get_full_depends());
+    object["dependedOnBy"] = json_ids(entry.get_depend().get_depend_on_this());
+    object["alertLevel"] = entry.get_alert_state();
+    QJsonArray notifications;
+    for (const ZBNotifyItem& item : entry.get_props().get_notifications()) {
+        if (item.get_date().is_ok())
+            continue;
+        QJsonObject note;
+        note["text"] = qstr(item.get_text());
+        note["code"] = item.get_scheme();
+        note["priority"] = item.get_priority();
+        notifications.append(note);
+    }
+    object["notifications"] = notifications;
+    return object;
+}
+
+std::string text_date(const ZBDate& date)
+{
+    return date.is_ok() ? date.to_string("%Y-%m-%d %H:%M") : std::string("-");
+}
+
+std::string text_entry(const Diary& diary, const DiaryEntry& entry)
+{
+    char line[512];
+    std::snprintf(line, sizeof line, "%5d %c %-24.24s %3.0f%% %-10.10s %-10.10s %-16s %-16s %7s %7s %12.6f L%d",
+                  entry.get_id(), entry.get_derived_entrytype(), entry.get_summary().c_str(),
+                  entry.get_duration().orig.get_completion(),
+                  resource_name(diary, entry.get_props().get_resource_calc()).c_str(),
+                  timetype_name(diary, entry.get_props().get_timetype_calc()).c_str(),
+                  text_date(entry.get_start().calc).c_str(), text_date(entry.get_due().calc).c_str(),
+                  entry.get_due_facet().get_duration_calc().to_string().c_str(),
+                  entry.get_due_facet().get_remaining_calc().to_string().c_str(), entry.get_priority().calc,
+                  entry.get_alert_state());
+    std::string text = line;
+    if (!entry.is_active())
+        text += " inactive";
+    for (const ZBNotifyItem& item : entry.get_props().get_notifications())
+        if (!item.get_date().is_ok())
+            text += " [" + item.get_text() + "]";
+    return text + "\n";
+}
+} // namespace
+
+int CmdPlan::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::string>& args)
+{
+    std::string now;
+    bool json = false;
+    std::string error;
+    if (!CliPlan::parse(args, true, now, json, error))
+        return usage_error(context, *this, error);
+    Diary* diary = nullptr;
+    const int result = CliPlan::recalculate(db, now, diary);
+    if (iszbwarn(result)) {
+        ZBDateUtils::clear_fixed_now();
+        return report_failure(context, result);
+    }
+    const std::vector<DiaryEntry*> entries = diary->get_display_list();
+    if (json) {
+        QJsonObject root;
+        root["now"] = qstr(ZBDateUtils::now().to_iso());
+        QJsonArray array;
+        for (const DiaryEntry* entry : entries)
+            array.append(json_entry(*diary, *entry));
+        root["entries"] = array;
+        QJsonArray checker;
+        for (int i = 0; i < diary->get_checker().get_nitems(); ++i) {
+            const ZBDBCheckItem* item = diary->get_checker().get_item_by_index(i);
+            std::string code = ZBError::get_code(item->get_error_code()).m_name;
+            if (code.compare(0, 7, "ZBErrC_") == 0)
+                code.erase(0, 7);
+            QJsonObject check;
+            check["id"] = item->get_id();
+            check["code"] = qstr(code);
+            check["text"] = qstr(item->get_message());
+            checker.append(check);
+        }
+        root["checker"] = checker;
+        context.out << QJsonDocument(root).toJson(QJsonDocument::Indented).toStdString();
+    } else {
+        std::string text = "Now: " + text_date(ZBDateUtils::now()) + "\n";
+        char head[512];
+        std::snprintf(head, sizeof head, "%5s %c %-24s %4s %-10s %-10s %-16s %-16s %7s %7s %12s %s\n", "Id", 'T',
+                      "Title", "Done", "Resource", "Time type", "Start after", "Due", "Length", "Left",
+                      "Priority", "Alert");
+        text += head;
+        for (const DiaryEntry* entry : entries)
+            text += text_entry(*diary, *entry);
+        context.out << text;
+    }
+    ZBDateUtils::clear_fixed_now();
+    context.out.flush();
+    return 0;
+}
+
+} // namespace Tervalon
