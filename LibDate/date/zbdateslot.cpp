@@ -264,7 +264,19 @@ std::istream& operator>>(std::istream& in, ZBDateSlot& slot)
         in.get();
         long long seconds = 0;
         in >> seconds;
-        slot.m_end = start + ZBDuration(seconds);
+        // A length that carries the end past any year a file can store is
+        // damage; refused before the sum can overflow.
+        constexpr long long maxSeconds = 100000LL * 366 * 86400;
+        if (seconds > maxSeconds || seconds < -maxSeconds) {
+            in.setstate(std::ios::failbit);
+            return in;
+        }
+        const ZBDate end = start + ZBDuration(seconds);
+        if (end.get_year() > 99999 || end.get_year() < -9999) {
+            in.setstate(std::ios::failbit);
+            return in;
+        }
+        slot.m_end = end;
         if (seconds < 0)
             std::swap(slot.m_start, slot.m_end);
     } else {
