@@ -72,6 +72,23 @@ public:
     int m_b = 0;
 };
 
+// One text field, left out of the file when empty.
+class Text : public ZBObject {
+public:
+    Text() { Text::register_zbobject(); }
+    Text(const Text& other) = default;
+    int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override
+    {
+        serialise_string(in, out, prefix, "S", m_text, true);
+        return ZBObject::serialise(in, out, prefix, version);
+    }
+    void register_zbobject() override { register_objectname("SafetyText", &Text::create_zbobject); }
+    static int create_zbobject(ZBObject*& out, const ZBObject* from) { return create_as<Text>(out, from, "SafetyText"); }
+
+    std::string m_text;
+};
+
+ZBObjectPreReg g_text("SafetyText", &Text::create_zbobject);
 ZBObjectPreReg g_node("SafetyNode", &Node::create_zbobject);
 ZBObjectPreReg g_losesOnRead("SafetyLosesOnRead", &LosesOnRead::create_zbobject);
 ZBObjectPreReg g_losesOnCopy("SafetyLosesOnCopy", &LosesOnCopy::create_zbobject);
@@ -171,4 +188,17 @@ TEST(StreamSafety, NulsInATagAreDroppedOnReadAsOnWrite)
     ASSERT_NE(again, nullptr);
     EXPECT_EQ(again->object_to_string(rewritten, 0), ZBErrC_ok);
     EXPECT_EQ(written, rewritten);
+}
+
+TEST(StreamSafety, ATextFieldGivenTwiceTakesTheLastAndKeepsNoCopy)
+{
+    for (const char* text : {"{SafetyText\n!S!\n!S!E\n}\n", "{SafetyText\n!S!D\n!S!E\n}\n"}) {
+        ZBObject* object = nullptr;
+        ASSERT_EQ(ZBObject::object_from_string(text, object, 0), ZBErrC_ok) << text;
+        std::unique_ptr<ZBObject> owned(object);
+        EXPECT_EQ(dynamic_cast<const Text&>(*object).m_text, "E") << text;
+        std::string written;
+        ASSERT_EQ(object->object_to_string(written, 0), ZBErrC_ok);
+        EXPECT_EQ(written, "{SafetyText\n!S!E\n}\n") << text;
+    }
 }
