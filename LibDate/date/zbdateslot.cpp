@@ -190,7 +190,9 @@ std::string ZBDateSlot::to_compact_string() const
 
 bool ZBDateSlot::from_compact_string(const std::string& text)
 {
-    if (text.size() < 8)
+    // Only what to_compact_string writes: one or two whole calendar days.
+    // Anything else would be read as some other day and written back so.
+    if (text.size() != 8 && text.size() != 16)
         return false;
     auto day_at = [&text](size_t pos, ZBDate& out) {
         for (size_t i = pos; i < pos + 8; ++i)
@@ -199,6 +201,8 @@ bool ZBDateSlot::from_compact_string(const std::string& text)
         int year = std::stoi(text.substr(pos, 4));
         int month = std::stoi(text.substr(pos + 4, 2));
         int day = std::stoi(text.substr(pos + 6, 2));
+        if (month < 1 || month > 12 || day < 1 || day > ZBDateUtils::days_in_month(month - 1, year))
+            return false;
         out = ZBDate(year, month - 1, day - 1, 0, 0, 0, 0, ZBDate::C_DefaultTime);
         return true;
     };

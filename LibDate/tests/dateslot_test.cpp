@@ -153,6 +153,10 @@ TEST(DateSlot, CompactText)
     EXPECT_TRUE(read.from_compact_string("20260309"));
     EXPECT_EQ(ZBDateSlot(h(0), h(23) + ZBDuration(3599)), read);
     EXPECT_FALSE(read.from_compact_string("2026031"));
+    // Text that would read as another day than it names is refused.
+    for (const char* text : {"20260300", "20261301", "20260230", "00000000", "202603092026031", "00000000000000000000000390323052"})
+        EXPECT_FALSE(read.from_compact_string(text)) << text;
+    EXPECT_TRUE(read.from_compact_string("20240229"));
 }
 
 TEST(DateSlot, StoredLengthBeyondAnyStorableYearIsRefused)
