@@ -75,6 +75,17 @@ std::vector<std::string> read_lines(const std::string& name, bool& opened)
     return lines;
 }
 
+// A file holds one value per tag, the empty tag too: a repeated line replaces
+// the value before it, as a rewrite keeps only one line for it.
+void drop_earlier_untagged(ZBParamBase* param, const std::string& tag, const std::string& source)
+{
+    if (!param || !tag.empty() || !param->has_multiple_values())
+        return;
+    const ZBParamBase::Entry* earlier = param->find_tag(tag);
+    if (earlier && earlier->source == source)
+        param->remove_tag(tag);
+}
+
 // Whether the parameter holds any value under the key, from whatever source.
 bool has_value_for(const ZBParamBase& param, const std::string& tag)
 {
@@ -164,8 +175,12 @@ int ZBParamFile::read_file(ZBParamSet& set)
         else if (!set.get_param_by_name(line.name))
             // Perhaps an option declared later in the run: kept until it is.
             m_pending.push_back(text);
-        else if (set.set_value(line.name, line.tag, value, m_name, &one) && iszbwarn(one))
-            one = zbwarnuser(ZBErrC_ParamInvalid, ZBLOC, "Invalid line %s in %s:%d", text.c_str(), m_name.c_str(), int(i + 1));
+        else {
+            drop_earlier_untagged(set.get_param_by_name(line.name), line.tag, m_name);
+            if (set.set_value(line.name, line.tag, value, m_name, &one) && iszbwarn(one))
+                one = zbwarnuser(ZBErrC_ParamInvalid, ZBLOC, "Invalid line %s in %s:%d", text.c_str(), m_name.c_str(),
+                                 int(i + 1));
+        }
         if (iszbwarn(one) && !iszbwarn(result))
             result = one;
     }
@@ -189,6 +204,7 @@ void ZBParamFile::apply_pending(ZBParamSet& set)
         const ZBParamBase::Entry* given = param->has_multiple_values() ? param->find_tag(line.tag) : param->get_entry(0);
         if (given && (given->source == ZBParamBase::C_CommandLine || given->source == ZBParamBase::C_Environment))
             continue;
+        drop_earlier_untagged(param, line.tag, m_name);
         param->set_tag_value(line.tag, value, m_name);
     }
     m_pending.swap(still);

@@ -165,3 +165,19 @@ TEST_F(ParamFile, AHandWrittenBackslashReadsAsItStands)
     param.add_config_file(file);
     EXPECT_EQ("C:\\temp\\data", param.get_system_value("Folder"));
 }
+
+TEST_F(ParamFile, ARepeatedTagTakesItsLastLineAndARewriteKeepsIt)
+{
+    for (const char* tag : {"", "PlanDays"}) {
+        const std::string file = path("repeat.cfg");
+        const std::string key = std::string("System=") + tag + "=";
+        Tervalon::Test::write_file(file, key + "first\n" + key + "second\n");
+        ZBParam param;
+        param.add_config_file(file);
+        EXPECT_EQ("second", param.get_system_value(tag)) << tag;
+        EXPECT_EQ(ZBErrC_ok, param.set_system_value("AutoSave", "1"));
+        ZBParam again;
+        again.add_config_file(file);
+        EXPECT_EQ("second", again.get_system_value(tag)) << tag << "\n" << Tervalon::Test::read_file(file);
+    }
+}

@@ -576,7 +576,14 @@ void date_from_digits(const std::string& digits, ZBDate& date)
     int outYear = 0;
     int dayOfYear = 0;
     ZBDateUtils::calc_yearday(year, month, day, outYear, dayOfYear);
-    date = ZBDate(outYear, dayOfYear, hour * ZBDate::C_HourSecs + minute * ZBDate::C_MinSecs + second, micro, zone);
+    const ZBDate read(outYear, dayOfYear, hour * ZBDate::C_HourSecs + minute * ZBDate::C_MinSecs + second, micro, zone);
+    // Fields past their range carry into the year; one that no longer fits
+    // the five characters it is stored in could not be written back.
+    if (read.get_year() > 99999 || read.get_year() < -9999) {
+        date.set_invalid();
+        return;
+    }
+    date = read;
 }
 
 // A quoted field holds date text; a stored date in quotes, which older

@@ -190,7 +190,9 @@ std::string ZBDateSlot::to_compact_string() const
 
 bool ZBDateSlot::from_compact_string(const std::string& text)
 {
-    if (text.size() < 8)
+    // Only what to_compact_string writes: one or two whole calendar days.
+    // Anything else would be read as some other day and written back so.
+    if (text.size() != 8 && text.size() != 16)
         return false;
     auto day_at = [&text](size_t pos, ZBDate& out) {
         for (size_t i = pos; i < pos + 8; ++i)
@@ -199,6 +201,8 @@ bool ZBDateSlot::from_compact_string(const std::string& text)
         int year = std::stoi(text.substr(pos, 4));
         int month = std::stoi(text.substr(pos + 4, 2));
         int day = std::stoi(text.substr(pos + 6, 2));
+        if (month < 1 || month > 12 || day < 1 || day > ZBDateUtils::days_in_month(month - 1, year))
+            return false;
         out = ZBDate(year, month - 1, day - 1, 0, 0, 0, 0, ZBDate::C_DefaultTime);
         return true;
     };
@@ -264,7 +268,19 @@ std::istream& operator>>(std::istream& in, ZBDateSlot& slot)
         in.get();
         long long seconds = 0;
         in >> seconds;
-        slot.m_end = start + ZBDuration(seconds);
+        // A length that carries the end past any year a file can store is
+        // damage; refused before the sum can overflow.
+        constexpr long long maxSeconds = 100000LL * 366 * 86400;
+        if (seconds > maxSeconds || seconds < -maxSeconds) {
+            in.setstate(std::ios::failbit);
+            return in;
+        }
+        const ZBDate end = start + ZBDuration(seconds);
+        if (end.get_year() > 99999 || end.get_year() < -9999) {
+            in.setstate(std::ios::failbit);
+            return in;
+        }
+        slot.m_end = end;
         if (seconds < 0)
             std::swap(slot.m_start, slot.m_end);
     } else {

@@ -17,6 +17,9 @@ namespace Tervalon {
 
 namespace {
 constexpr std::int64_t C_DaySecs = 86400;
+// The stored form gives the days eight characters, a minus sign included, so
+// nothing longer than this can be written and read back.
+constexpr std::int64_t C_MaxDays = 9999999;
 constexpr std::int32_t C_MicroSecs = 1000000;
 }
 
@@ -181,6 +184,10 @@ int ZBDuration::from_string(const std::string& text, std::int64_t defaultDays)
     bool negative = false;
     double micros = 0;
     std::int64_t total = 0;
+    // Kept in floating point alongside, so that a huge number is refused
+    // before it can overflow the whole microseconds.
+    double magnitude = 0;
+    const double maxMicros = double(C_MaxDays) * C_DaySecs * C_MicroSecs;
     for (size_t i = 0; i < tokens.size(); ++i) {
         const std::string& token = tokens[i];
         if (token == "-" && !any) {
@@ -216,6 +223,10 @@ int ZBDuration::from_string(const std::string& text, std::int64_t defaultDays)
             seconds = unitSecs[unit];
         }
         any = true;
+        magnitude += std::fabs(value) * seconds * C_MicroSecs;
+        if (!(magnitude <= maxMicros))
+            return zberror(ZBErrC_InvalidValue, ZBLOC, "Duration %s is too long (at most %lld days)", text.c_str(),
+                           (long long)C_MaxDays);
         // A fraction of an hour or minute lands on whole units of the next
         // smaller one; a fraction of a second becomes microseconds.
         double whole = std::trunc(value);

@@ -66,6 +66,22 @@ TEST(DateStorage, OldTimeTFormAndQuotedText)
     EXPECT_FALSE(ZBDate("").is_ok());
 }
 
+TEST(DateStorage, FieldsThatCarryPastTheStorableYearReadAsInvalid)
+{
+    // Day 99 of month 99 of year 99999 lands eight years past what the year
+    // field can hold, as does the day after the last of 99999; in range, the
+    // carried date is written back as itself.
+    for (const char* text : {"000000199999999999999", "000000311199999000000"}) {
+        ZBDate date = read_back<ZBDate>(text);
+        EXPECT_TRUE(date.is_invalid()) << text << " " << written(date);
+    }
+    for (const char* text : {"000000301199999000000", "000000321302025000000"}) {
+        ZBDate carried = read_back<ZBDate>(text);
+        EXPECT_TRUE(carried.is_ok()) << text;
+        EXPECT_EQ(carried, read_back<ZBDate>(written(carried))) << text;
+    }
+}
+
 TEST(DateStorage, DatesInAStreamStopAtTheirEnd)
 {
     std::istringstream in("070508080202026000000 000005070508080202026000000|x");

@@ -3,6 +3,7 @@
 #include "LibDate/date/zbprogress.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 
 using namespace Tervalon;
 
@@ -152,6 +153,30 @@ TEST(DateSlot, CompactText)
     EXPECT_TRUE(read.from_compact_string("20260309"));
     EXPECT_EQ(ZBDateSlot(h(0), h(23) + ZBDuration(3599)), read);
     EXPECT_FALSE(read.from_compact_string("2026031"));
+    // Text that would read as another day than it names is refused.
+    for (const char* text : {"20260300", "20261301", "20260230", "00000000", "202603092026031", "00000000000000000000000390323052"})
+        EXPECT_FALSE(read.from_compact_string(text)) << text;
+    EXPECT_TRUE(read.from_compact_string("20240229"));
+}
+
+TEST(DateSlot, StoredLengthBeyondAnyStorableYearIsRefused)
+{
+    struct Row { const char* text; bool reads; };
+    const Row rows[] = {
+        {"0000+3600", true},
+        {"0000+-3600", true},
+        {"0000+9010202026000000", false},
+        {"0000+-9010202026000000", false},
+        {"0000+3155760000000", false}, // 100000 years on from 1970
+    };
+    for (const Row& row : rows) {
+        std::istringstream in(row.text);
+        ZBDateSlot slot;
+        in >> slot;
+        EXPECT_EQ(row.reads, !in.fail()) << row.text;
+        if (row.reads)
+            EXPECT_EQ(3600, slot.get_duration().get_as_seconds()) << row.text;
+    }
 }
 
 TEST(Progress, CompletionIsHeldAsTheDurationCanHoldIt)

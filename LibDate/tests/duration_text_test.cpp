@@ -128,3 +128,17 @@ TEST(DurationText, SplitterSeparatesNumbersWordsAndMarks)
     std::vector<std::string> expected = {"1.5", "h", "30", "mins", ":", "2.5", ".1", "x"};
     EXPECT_EQ(expected, tokens);
 }
+
+TEST(DurationText, TooLongToStoreIsRefusedAndKeepsTheValue)
+{
+    // The longest that fits the stored form reads; anything beyond is refused.
+    ZBDuration d(5400);
+    EXPECT_FALSE(iszbwarn(d.from_string("239999976h", 0)));
+    EXPECT_EQ(9999999, d.get_days());
+    for (const char* text : {"239999977h", "100000000000000000000", "0000000100000000000123@", "1e400h", "-99999999999999h"}) {
+        ZBDuration kept(5400);
+        EXPECT_TRUE(iszberr(kept.from_string(text, 0))) << text;
+        EXPECT_EQ(ZBDuration(5400), kept) << text;
+    }
+    clear_last_error();
+}

@@ -321,15 +321,20 @@ int ZBObject::serialise_string(std::istream* in, std::ostream* out, const std::s
         return ZBErrC_ok;
     if (omitEmpty)
         value.clear();
-    for (int i = 0; i < get_nserentries(); ++i) {
+    // A field given twice takes its last value, as other fields do; a copy
+    // left unread would be written back and win on the next read.
+    bool found = false;
+    for (int i = 0; i < get_nserentries();) {
         ZBSerialisationEntry* entry = (*m_readEntry)[i];
         if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             value = std::move(entry->m_value);
             remove_read_entry(m_readEntry, i);
-            return ZBErrC_ok;
+            found = true;
+        } else {
+            ++i;
         }
     }
-    return ZBErrC_okEndOfFile;
+    return found ? ZBErrC_ok : ZBErrC_okEndOfFile;
 }
 
 int ZBObject::serialise_object(std::istream* in, std::ostream* out, const std::string& prefix, const std::string& tag,

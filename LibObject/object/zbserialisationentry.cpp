@@ -11,11 +11,14 @@ bool zb_read_line(std::istream& in, std::string& line)
     if (!std::getline(in, line))
         return false;
     // getline has taken the line feed; a carriage return may stand anywhere.
-    if (line.find('\r') != std::string::npos) {
+    // Nul characters go too: the writer never puts them out, so a tag or
+    // class name read with them would come back as another one.
+    static const std::string dropped("\r\0", 2);
+    if (line.find_first_of(dropped) != std::string::npos) {
         std::string clean;
         clean.reserve(line.size());
         for (char c : line)
-            if (c != '\r' && c != '\n')
+            if (c != '\r' && c != '\n' && c != '\0')
                 clean += c;
         line.swap(clean);
     }
