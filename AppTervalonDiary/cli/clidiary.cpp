@@ -50,24 +50,12 @@ int CliDiary::read_duration(const std::string& text, ZBDuration& out)
 
 ZBDate CliDiary::day_start(const ZBDate& date)
 {
-    ZBDateDetails details(date, zblocale().get_timezone());
-    details.m_hour = 0;
-    details.m_minute = 0;
-    details.m_second = 0;
-    details.m_micro = 0;
-    details.recalculate();
-    return details.get_date(details.get_timezone());
+    return DayType::clock_time(ZBDateDetails(date, zblocale().get_timezone()), 0);
 }
 
 ZBDate CliDiary::day_end(const ZBDate& date)
 {
-    ZBDateDetails details(date, zblocale().get_timezone());
-    details.m_hour = 23;
-    details.m_minute = 59;
-    details.m_second = 59;
-    details.m_micro = 0;
-    details.recalculate();
-    return details.get_date(details.get_timezone());
+    return DayType::clock_time(ZBDateDetails(date, zblocale().get_timezone()), ZBDate::C_DaySecs - 1);
 }
 
 int CliDiary::read_number(const std::string& text, double& out)

@@ -15,19 +15,6 @@ namespace Tervalon {
 
 namespace {
 const ZBObjectPreReg g_register("DayType", &DayType::create_zbobject);
-
-// The moment a clock time of the day shows, so that 9:00 stays 9:00 on the
-// days the clocks change.
-ZBDate at_offset(const ZBDateDetails& day, int seconds)
-{
-    ZBDateDetails at = day;
-    at.m_hour = 0;
-    at.m_minute = 0;
-    at.m_second = seconds;
-    at.m_micro = 0;
-    at.recalculate();
-    return at.get_date(day.get_timezone());
-}
 } // namespace
 
 const char* const DayType::C_StandardWorkDay = "Standard Work Day";
@@ -62,6 +49,17 @@ void DayType::set_defaults(bool)
     m_name.clear();
     m_entry.clear();
     m_reference.clear();
+}
+
+ZBDate DayType::clock_time(const ZBDateDetails& day, int seconds)
+{
+    ZBDateDetails at = day;
+    at.m_hour = 0;
+    at.m_minute = 0;
+    at.m_second = seconds;
+    at.m_micro = 0;
+    at.recalculate();
+    return at.get_date(day.get_timezone());
 }
 
 bool DayType::operator==(const DayType& other) const
@@ -202,7 +200,7 @@ void DayType::populate(const Diary* diary, const ZBDate& dayStart, const ZBDateD
             name = std::to_string(entry->get_timetype());
         }
         ZBDateSet* set = ResourceCalendar::get_group_set(group, name, true);
-        set->bulk_add(ZBDateSlot(at_offset(details, entry->get_start()), at_offset(details, entry->get_end())),
+        set->bulk_add(ZBDateSlot(clock_time(details, entry->get_start()), clock_time(details, entry->get_end())),
                       resourceId);
         workDays.add_entry(details, entry->get_timetype());
     }

@@ -74,6 +74,9 @@ public:
                   ZBDateSetGroup& group, WorkDayList& workDays) const;
 
     static int compare_name(const DayType& a, const DayType& b) { return b.m_name < a.m_name; }
+    // The moment a clock time of the day shows (seconds from midnight), so
+    // that 9:00 stays 9:00 on the days the clocks change.
+    static ZBDate clock_time(const ZBDateDetails& day, int seconds);
 
 private:
     int m_id;

@@ -236,10 +236,12 @@ int EntryDepend::remove_block(int id, Diary& diary)
     return ZBErrC_ok;
 }
 
-std::vector<std::pair<std::string, int>> EntryDepend::get_depends(const Diary& diary, bool directOnly, int sort) const
+namespace {
+// Titles and ids of the entries named, in the entry order asked for.
+std::vector<std::pair<std::string, int>> titles_of(const Diary& diary, const std::vector<int>& ids, int sort)
 {
     ZBPtrArray<DiaryEntry> entries(false);
-    for (int id : directOnly ? m_baseDepend : m_dependId)
+    for (int id : ids)
         if (DiaryEntry* entry = diary.get_entry_id(id))
             entries.push_back(entry);
     DiaryEntry::sort_entries(entries, sort);
@@ -248,18 +250,16 @@ std::vector<std::pair<std::string, int>> EntryDepend::get_depends(const Diary& d
         result.emplace_back(entry->get_summary(), entry->get_id());
     return result;
 }
+} // namespace
+
+std::vector<std::pair<std::string, int>> EntryDepend::get_depends(const Diary& diary, bool directOnly, int sort) const
+{
+    return titles_of(diary, directOnly ? m_baseDepend : m_dependId, sort);
+}
 
 std::vector<std::pair<std::string, int>> EntryDepend::get_blocks(const Diary& diary, bool directOnly, int sort) const
 {
-    ZBPtrArray<DiaryEntry> entries(false);
-    for (int id : directOnly ? m_baseBlock : m_idBlock)
-        if (DiaryEntry* entry = diary.get_entry_id(id))
-            entries.push_back(entry);
-    DiaryEntry::sort_entries(entries, sort);
-    std::vector<std::pair<std::string, int>> result;
-    for (const DiaryEntry* entry : entries)
-        result.emplace_back(entry->get_summary(), entry->get_id());
-    return result;
+    return titles_of(diary, directOnly ? m_baseBlock : m_idBlock, sort);
 }
 
 // ---------------------------------------------------------------- titles

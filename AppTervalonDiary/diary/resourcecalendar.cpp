@@ -15,18 +15,6 @@ namespace Tervalon {
 namespace {
 const ZBObjectPreReg g_register("ResourceCalendar", &ResourceCalendar::create_zbobject);
 
-// The moment a clock time of the day shows, so that stepping over a change of
-// the clocks keeps the time of day.
-ZBDate at_clock(const ZBDateDetails& day, int seconds)
-{
-    ZBDateDetails at = day;
-    at.m_hour = 0;
-    at.m_minute = 0;
-    at.m_second = seconds;
-    at.m_micro = 0;
-    at.recalculate();
-    return at.get_date(day.get_timezone());
-}
 } // namespace
 
 ResourceCalendar::ResourceCalendar()
@@ -321,11 +309,11 @@ int ResourceCalendar::allocate_times(const ZBDate& start, const ZBDate& end, int
             break;
         // The last hour of a day does not count, so an exception that starts
         // at 23:00 or ends at midnight changes one day only.
-        const ZBDateSlot test(dayStart, at_clock(day, 82799));
+        const ZBDateSlot test(dayStart, DayType::clock_time(day, 82799));
         const int weekday = (day.m_dayWeek + 6) % 7;
         if (const DayType* type = find_daytype(dayStart, test, weekday, defaultCalendar))
             type->populate(diary, dayStart, day, resourceId, group, workDays);
-        lastDayEnd = at_clock(day, ZBDate::C_DaySecs - 1);
+        lastDayEnd = DayType::clock_time(day, ZBDate::C_DaySecs - 1);
         day.m_dayMonth += 1;
         day.recalculate();
     }
