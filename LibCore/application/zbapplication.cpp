@@ -368,7 +368,7 @@ ZBApplication& zbapplication()
 {
     if (!g_application) {
         // Reaching for the application before it exists is a programming error;
-        // a stand-in keeps the process alive and says so.
+        // a fallback object keeps the process alive and says so.
         static ZBApplication fallback(0, nullptr, "TervalonDiary", "Tervalon Diary", ".zbd", "4.5.00",
                                       "TervalonDiary-4-5-00-15", "02-Dec-2023", "", "Tervalon", "", "", "", "", "", "", "");
         zberror(ZBErrC_NullSingleton, ZBLOC, "The application object has not been made.");
