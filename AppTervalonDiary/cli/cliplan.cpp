@@ -38,8 +38,11 @@ int CliPlan::recalculate(ZBDatabase& db, const std::string& now, Diary*& diary)
             return zbpass(ZBLOC);
         ZBDateUtils::set_fixed_now(date);
     }
-    if (iszbwarn(diary->recalculate(ZBDatabase::E_RecalcQuick)) || iszbwarn(diary->full_recalculate()))
+    if (iszbwarn(diary->recalculate(ZBDatabase::E_RecalcQuick)) || iszbwarn(diary->full_recalculate())) {
+        // A failed pass leaves the clock running again, as a finished one does.
+        ZBDateUtils::clear_fixed_now();
         return zbpass(ZBLOC);
+    }
     return ZBErrC_ok;
 }
 

@@ -18,7 +18,8 @@ public:
     static bool parse(const std::vector<std::string>& args, bool allowJson, std::string& now, bool& json,
                       std::string& error);
     // Fixes the clock at now (when given), resolves dependencies and runs the
-    // entry phases twice, so that values one pass feeds the next settle.
+    // entry phases twice, so that values one pass feeds the next settle. On
+    // failure the clock runs again; on success the caller frees it when done.
     static int recalculate(ZBDatabase& db, const std::string& now, Diary*& diary);
     // Collects the round's notifications of every entry.
     static void collect(const Diary& diary, ZBNotifyList& list);

@@ -18,10 +18,8 @@ int CmdAlerts::run_on(CliContext& context, ZBDatabase& db, const std::vector<std
         return usage_error(context, *this, error);
     Diary* diary = nullptr;
     const int result = CliPlan::recalculate(db, now, diary);
-    if (iszbwarn(result)) {
-        ZBDateUtils::clear_fixed_now();
+    if (iszbwarn(result))
         return report_failure(context, result);
-    }
     ZBNotifyList list;
     CliPlan::collect(*diary, list);
     ZBDateUtils::clear_fixed_now();

@@ -124,10 +124,8 @@ int CmdPlan::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::
         return usage_error(context, *this, error);
     Diary* diary = nullptr;
     const int result = CliPlan::recalculate(db, now, diary);
-    if (iszbwarn(result)) {
-        ZBDateUtils::clear_fixed_now();
+    if (iszbwarn(result))
         return report_failure(context, result);
-    }
     const std::vector<DiaryEntry*> entries = diary->get_display_list();
     if (json) {
         QJsonObject root;
