@@ -110,12 +110,6 @@ BENCHMARK(BM_FullWrite100k)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setOrganizationName("Tervalon");
-    QCoreApplication::setApplicationName("TervalonBench");
-    ZBDateUtils::set_fixed_now(ZBDate(2026, 1, 1, 8, 0, 0, 0, ZBDate::C_GMT));
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    const ZBDate now(2026, 1, 1, 8, 0, 0, 0, ZBDate::C_GMT);
+    return Tervalon::bench_main(argc, argv, &now);
 }

@@ -85,11 +85,5 @@ BENCHMARK(BM_CheapPass)->Arg(11)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setOrganizationName("Tervalon");
-    QCoreApplication::setApplicationName("TervalonBench");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return Tervalon::bench_main(argc, argv, nullptr);
 }
