@@ -1,5 +1,6 @@
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibDatabase/db/zbobjectspec.h"
+#include "LibDate/calendar/zbcalendar.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zblocale.h"
 #include "LibObject/object/zbdump.h"
@@ -764,6 +765,163 @@ int Diary::recalculate(E_RecalcLevel level)
     if (level >= E_RecalcFull)
         m_recalcMgr.done();
     return ZBDiary::recalculate(level);
+}
+
+} // namespace Tervalon
+
+// ---------------------------------------------------------------- fixed plans and clashes
+
+namespace Tervalon {
+
+int Diary::check_clashing()
+{
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (entry && !entry->get_plan().get_clashing().empty())
+            entry->edit_plan().clear_clashing();
+    }
+    const ZBDateSlot slot = m_settings.get_lookahead_date(true);
+    for (const Resource* resource : m_resources) {
+        ZBCalendar calendar;
+        for (const DiaryEntry* entry : m_entries)
+            if (iszbwarn(entry->check_clashing(calendar, slot, resource->get_id())))
+                return zbpass(ZBLOC);
+        if (iszbwarn(calendar.sort()))
+            return zbpass(ZBLOC);
+        // Sorted by start, so whatever overlaps an item follows it before the
+        // first one that starts at or after its end; every such pair counts,
+        // not only neighbours, as one long item can cover several short ones.
+        for (int i = 0; i < calendar.get_nentries(); ++i) {
+            const ZBCalendarEntry* first = calendar.get_entry_no(i);
+            for (int j = i + 1; j < calendar.get_nentries(); ++j) {
+                const ZBCalendarEntry* second = calendar.get_entry_no(j);
+                if (!(second->get_time().m_start < first->get_time().m_end))
+                    break;
+                if (second->get_id().m_id == first->get_id().m_id
+                    || !ZBDateSlot::intersects(first->get_time(), second->get_time()))
+                    continue;
+                if (DiaryEntry* entry = get_entry_id(first->get_id().m_id))
+                    entry->edit_plan().add_clashing(second->get_summary());
+            }
+        }
+    }
+    return ZBErrC_ok;
+}
+
+void Diary::remove_fixed(ZBDateSet& set, const ZBDateSlot& slot, int resource, bool withSpent) const
+{
+    for (const DiaryEntry* entry : m_entries)
+        entry->remove_fixed(set, slot, resource, withSpent);
+}
+
+int Diary::lock_plans(const ZBDateSlot& slot, int* count)
+{
+    for (DiaryEntry* entry : m_entries)
+        if (!entry->get_plan().get_predicted().empty() || entry->get_nchildren() > 0)
+            if (iszbwarn(entry->edit_plan().lock_plans(slot, count)))
+                return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int Diary::clear_plans(const ZBDateSlot& slot, int* count)
+{
+    for (DiaryEntry* entry : m_entries)
+        if (!entry->get_plan().get_planned().empty() || entry->get_nchildren() > 0)
+            if (iszbwarn(entry->edit_plan().clear_plans(slot, count)))
+                return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+ZBDuration Diary::get_planned_time(const ZBDateSlot& slot, int resource) const
+{
+    ZBDuration total;
+    for (int i = 0; i < get_nobjects(); ++i) {
+        const DiaryEntry* entry = dynamic_cast<const DiaryEntry*>(get_object_by_index(i));
+        if (entry && !entry->is_deleted())
+            total += entry->get_plan().get_planned_time(slot, resource);
+    }
+    return total;
+}
+
+namespace {
+// The index in set of the session with this slot and type; -1 when gone.
+int find_session(const ZBDateSet& set, const ZBDateSetEntry& session)
+{
+    for (int i = 0; i < set.size(); ++i)
+        if (*set[i] == session)
+            return i;
+    return -1;
+}
+} // namespace
+
+int Diary::move_plan(int entryId, int sequence, bool up, ZBCalendar* calendar)
+{
+    DiaryEntry* entry = get_entry_id(entryId);
+    if (!entry)
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Could not find the entry in the diary.");
+    const int index = DiaryEntry::get_index_seq(sequence);
+    if (sequence < 1 || DiaryEntry::get_type_seq(sequence) != 'p')
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "No plan selected.");
+    if (index >= entry->get_plan().get_planned().size())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "No planned time for this task.");
+    const ZBDateSetEntry mine = *entry->get_plan().get_planned()[index];
+
+    ZBCalendar all;
+    if (!calendar) {
+        calendar = &all;
+        for (int i = 0; i < get_nobjects(); ++i) {
+            const DiaryEntry* other = dynamic_cast<const DiaryEntry*>(get_object_by_index(i));
+            if (other && !other->is_deleted() && !other->get_plan().get_planned().empty())
+                if (iszbwarn(other->get_plan().detailed_query(ZBDateSlot(), all, -1)))
+                    return zbpass(ZBLOC);
+        }
+    }
+    if (iszbwarn(calendar->sort()))
+        return zbpass(ZBLOC);
+    // The nearest plan that starts before (up) or after (down) this one.
+    const ZBCalendarEntry* neighbour = nullptr;
+    for (int i = 0; i < calendar->get_nentries(); ++i) {
+        const ZBCalendarEntry* item = calendar->get_entry_no(i);
+        if (item->get_datatype() != EntryPlan::C_CalendarPlanned
+            || DiaryEntry::get_type_seq(item->get_id().m_seq) != 'p'
+            || (item->get_id().m_id == entryId && item->get_id().m_seq == sequence))
+            continue;
+        const ZBDate& start = item->get_time().m_start;
+        if (up ? start < mine.m_start : mine.m_start < start) {
+            if (!neighbour || (up ? neighbour->get_time().m_start < start : start < neighbour->get_time().m_start))
+                neighbour = item;
+        }
+    }
+    if (!neighbour)
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, up ? "There is no plan before this one."
+                                                         : "There is no plan after this one.");
+    DiaryEntry* otherEntry = get_entry_id(neighbour->get_id().m_id);
+    const int otherIndex = DiaryEntry::get_index_seq(neighbour->get_id().m_seq);
+    if (!otherEntry || otherIndex >= otherEntry->get_plan().get_planned().size())
+        return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "The plan to swap with is no longer there.");
+    const ZBDateSetEntry theirs = *otherEntry->get_plan().get_planned()[otherIndex];
+
+    // The earlier session's start and the later one's end stay where they
+    // are; the two lengths swap order between them.
+    const bool mineFirst = mine.m_start < theirs.m_start;
+    const ZBDateSetEntry& early = mineFirst ? mine : theirs;
+    const ZBDateSetEntry& late = mineFirst ? theirs : mine;
+    const ZBDateSlot lateMoved(early.m_start, early.m_start + late.get_duration(), true);
+    const ZBDateSlot earlyMoved(late.m_end - early.get_duration(), late.m_end, true);
+    DiaryEntry* earlyEntry = mineFirst ? entry : otherEntry;
+    DiaryEntry* lateEntry = mineFirst ? otherEntry : entry;
+
+    ZBDateSet& earlySet = earlyEntry->edit_plan().edit_planned();
+    const int at = find_session(earlySet, early);
+    if (at >= 0)
+        earlySet.erase(at);
+    ZBDateSet& lateSet = lateEntry->edit_plan().edit_planned();
+    const int lateAt = find_session(lateSet, late);
+    if (lateAt >= 0)
+        lateSet.erase(lateAt);
+    lateSet.add(lateMoved, late.m_type);
+    earlyEntry->edit_plan().edit_planned().add(earlyMoved, early.m_type);
+    return ZBErrC_ok;
 }
 
 } // namespace Tervalon

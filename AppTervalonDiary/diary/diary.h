@@ -140,6 +140,26 @@ public:
     bool is_delayed_range(int resource, const ZBDate& date) const;
     void set_delayed_range(int resource, const ZBDate& date);
 
+    // ---- Fixed plans and clashes.
+    // Marks on each entry the titles of what its fixed plans and blocking
+    // appointments overlap, resource by resource, within the lookahead.
+    int check_clashing();
+    // Takes out of set every fixed plan (with withSpent every spent session)
+    // of resource (negative: any), and the time of its appointments that
+    // keep a real time type, repeats within slot included.
+    void remove_fixed(ZBDateSet& set, const ZBDateSlot& slot, int resource, bool withSpent) const;
+    // Lock (predicted to fixed) or clear fixed plans that meet slot, all of
+    // them for a slot of no length, in every entry; count grows by the sessions.
+    int lock_plans(const ZBDateSlot& slot, int* count = nullptr);
+    int clear_plans(const ZBDateSlot& slot, int* count = nullptr);
+    ZBDuration get_planned_time(const ZBDateSlot& slot, int resource) const;
+    // Swaps fixed plan sequence ('p') of the entry with the nearest plan
+    // before it (up) or after it in calendar (null: every fixed plan of the
+    // diary). Each keeps its length: the later one moves to the earlier's
+    // start and the earlier one ends where the later one ended.
+    int move_plan(int entryId, int sequence, bool up, ZBCalendar* calendar);
+    // ---- End of fixed plans.
+
 private:
     void build_entry_table();
     void repair_orig_ids();

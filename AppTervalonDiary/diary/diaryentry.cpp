@@ -2,6 +2,7 @@
 #include "AppTervalonDiary/diary/diary.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbobjectspecchild.h"
+#include "LibDate/calendar/zbcalendar.h"
 #include "LibDate/date/zbdateparser.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibObject/object/zbdump.h"
@@ -1102,8 +1103,13 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
             return zbpass(ZBLOC);
         m_etime.recalculate_date();
         edit_due_facet().recalculate_duration(need);
+        // Most entries are planned and keep the shared facet until they are not.
+        if (need && (m_plan || !EntryPlan::calc_isplanned(*this)))
+            edit_plan().recalculate_isplanned(need);
     }
     if (phase == 5 || all) {
+        if (m_plan || EntryPlan::calc_overrun(*this))
+            edit_plan().recalculate_overruns();
         m_priorityFacet.recalculate_priority(diary);
         m_props.update_alerts(diary, false);
         update_first_plan();
@@ -1127,6 +1133,86 @@ void DiaryEntry::update_first_plan()
             first = start;
     }
     m_planStart = first;
+}
+
+// ---------------------------------------------------------------- fixed plans and clashes
+
+void DiaryEntry::get_calendar_slots(const ZBDateSlot& range, std::vector<ZBDateSlot>& out) const
+{
+    const ZBDateSlot& own = m_time.calc;
+    if (get_repeat().is_repeating()) {
+        if (range.m_start.is_ok() && range.m_end.is_ok())
+            // Bounded: an appointment every minute for years is not a calendar.
+            get_repeat().generate_slots(own, range, 100000, nullptr, out);
+        return;
+    }
+    if (own.m_start.is_ok() && own.m_end.is_ok()
+        && (!range.m_start.is_ok() || !range.m_end.is_ok() || ZBDateSlot::intersects(own, range)))
+        out.push_back(own);
+}
+
+void DiaryEntry::remove_fixed(ZBDateSet& set, const ZBDateSlot& slot, int resource, bool withSpent) const
+{
+    get_plan().remove_fixed(set, resource);
+    if (withSpent) {
+        const ZBDateSet& sessions = get_spent().get_sessions();
+        for (int i = 0; i < sessions.size(); ++i)
+            if (resource < 0 || sessions[i]->m_type == resource)
+                set.subtract(sessions[i]->slot(), -1);
+    }
+    if (get_derived_entrytype() == 'A' && get_nchildren() == 0 && m_props.get_timetype_calc() >= 0
+        && (resource < 0 || m_props.get_resource_calc() == resource)) {
+        if (m_time.orig.m_start.is_ok() && m_time.orig.m_end.is_ok() && m_time.orig.m_start < m_time.orig.m_end)
+            set.subtract(m_time.orig, -1);
+        std::vector<ZBDateSlot> instances;
+        if (get_repeat().is_repeating() && slot.m_start.is_ok() && slot.m_end.is_ok())
+            get_repeat().generate_slots(m_time.calc, slot, 100000, nullptr, instances);
+        for (const ZBDateSlot& instance : instances)
+            if (instance.m_start < instance.m_end)
+                set.subtract(instance, -1);
+    }
+    for (const DiaryEntry* child : m_children)
+        if (!child->is_deleted())
+            child->remove_fixed(set, slot, resource, withSpent);
+}
+
+int DiaryEntry::check_clashing(ZBCalendar& calendar, const ZBDateSlot& slot, int resource) const
+{
+    const ZBDateSet& planned = get_plan().get_planned();
+    for (int i = 0; i < planned.size(); ++i) {
+        const ZBDateSetEntry& session = *planned[i];
+        // A session typed with no resource of its own books the entry's.
+        const Diary* diary = get_diary();
+        const bool known = diary && diary->get_resource_by_id(session.m_type);
+        const int owner = known ? session.m_type : m_props.get_resource_calc();
+        if (owner != resource || session.m_start == session.m_end)
+            continue;
+        if (slot.m_start.is_ok() && slot.m_end.is_ok() && !ZBDateSlot::intersects(session.slot(), slot))
+            continue;
+        ZBCalendarEntry* item =
+            new ZBCalendarEntry(ZBId(get_id(), get_sequence('p', i)), session.slot(), get_summary());
+        item->set_datatype(EntryPlan::C_CalendarPlanned);
+        if (iszbwarn(calendar.add_entry(item)))
+            return zbpass(ZBLOC);
+    }
+    const int timeType = m_props.get_timetype_orig();
+    if (get_derived_entrytype() == 'A' && get_nchildren() == 0 && m_props.get_resource_calc() == resource
+        && timeType != TimeType::C_FreeTimeTypeId && timeType != TimeType::C_UnknownTimeTypeId
+        && timeType != TimeType::C_UnassignedTimeTypeId) {
+        std::vector<ZBDateSlot> found;
+        get_calendar_slots(slot, found);
+        for (const ZBDateSlot& instance : found) {
+            if (!(instance.m_start < instance.m_end))
+                continue;
+            ZBCalendarEntry* item = new ZBCalendarEntry(ZBId(get_id()), instance, get_summary());
+            if (iszbwarn(calendar.add_entry(item)))
+                return zbpass(ZBLOC);
+        }
+    }
+    for (const DiaryEntry* child : m_children)
+        if (!child->is_deleted() && iszbwarn(child->check_clashing(calendar, slot, resource)))
+            return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 } // namespace Tervalon

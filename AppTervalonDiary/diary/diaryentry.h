@@ -20,6 +20,7 @@
 namespace Tervalon {
 
 class Diary;
+class ZBCalendar;
 
 // One node of the planner's tree: a task, appointment, journal note, person,
 // address, place or plain object, made of its facets. The record fields
@@ -182,6 +183,19 @@ public:
     void update_first_plan();
     const ZBDate& get_plan_start() const { return m_planStart; }
     void set_plan_start(const ZBDate& date) { m_planStart = date; }
+
+    // ---- Fixed plans and clashes, through the tree.
+    // The slots the entry occupies in range: its calculated slot, or each
+    // repeat instance in range.
+    void get_calendar_slots(const ZBDateSlot& range, std::vector<ZBDateSlot>& out) const;
+    // Takes out of set the fixed plans of resource (negative: any) here and
+    // below, with withSpent the spent sessions too, and the time of the
+    // resource's appointments that keep a real time type.
+    void remove_fixed(ZBDateSet& set, const ZBDateSlot& slot, int resource, bool withSpent) const;
+    // Adds to calendar what of this entry and those below can clash for
+    // resource in slot: fixed plans, and appointments that block their time.
+    int check_clashing(ZBCalendar& calendar, const ZBDateSlot& slot, int resource) const;
+    // ---- End of fixed plans.
 
 protected:
     // A rule made for the entry takes the entry's capabilities.

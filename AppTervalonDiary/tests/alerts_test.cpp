@@ -37,7 +37,7 @@ TEST_F(Alerts, EachRowOfTheTableGivesItsTextCodePriorityAndLevel)
     soon->edit_time().set_orig(ZBDateSlot(at("2-Mar-2026 08:10"), at("2-Mar-2026 09:00")));
 
     DiaryEntry* start = add(nullptr, "Letters");
-    start->edit_plan().edit_predicted().add(ZBDateSlot(at("2-Mar-2026 07:00"), at("2-Mar-2026 09:00")), 0);
+    start->edit_plan().edit_planned().add(ZBDateSlot(at("2-Mar-2026 07:00"), at("2-Mar-2026 09:00")), 0);
 
     DiaryEntry* clash = add(nullptr, "Lunch", 'A');
     clash->edit_time().set_orig(ZBDateSlot(at("3-Mar-2026 12:00"), at("3-Mar-2026 13:00")));

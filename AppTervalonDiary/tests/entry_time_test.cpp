@@ -76,9 +76,10 @@ TEST_F(EntryTimeCalc, LeafSlotFromSessionsPredictionsAndPlans)
     // A task's slot is its predictions, widened by its fixed plans, and the
     // task is the source of its own end.
     DiaryEntry* planned = add(nullptr, 'T');
-    planned->edit_plan().edit_predicted().add(slot("5-Mar-2026 09:00", "5-Mar-2026 11:00"), 1);
+    // (Editing the plans asks for new predictions, so they come first.)
     planned->edit_plan().edit_planned().add(slot("4-Mar-2026 14:00", "4-Mar-2026 15:00"), 1);
     planned->edit_plan().edit_planned().add(slot("6-Mar-2026 14:00", "6-Mar-2026 15:00"), 1);
+    planned->edit_plan().edit_predicted().add(slot("5-Mar-2026 09:00", "5-Mar-2026 11:00"), 1);
     planned->edit_etime().recalculate_date();
     EXPECT_EQ(planned->get_time().calc, slot("4-Mar-2026 14:00", "6-Mar-2026 15:00"));
     EXPECT_EQ(planned->get_etime().get_end_id(), planned->get_id());
