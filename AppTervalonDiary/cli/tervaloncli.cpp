@@ -15,6 +15,7 @@
 #include "AppTervalonDiary/cli/cmdcreate.h"
 #include "AppTervalonDiary/cli/cmddate.h"
 #include "AppTervalonDiary/cli/cmdduration.h"
+#include "AppTervalonDiary/cli/cmdlock.h"
 #include "AppTervalonDiary/cli/cmddump.h"
 #include "AppTervalonDiary/cli/cmdrepeat.h"
 #include "AppTervalonDiary/cli/cmdspec.h"
@@ -51,6 +52,8 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdTimeType()));
     add_command(std::unique_ptr<CliCommand>(new CmdPlan()));
     add_command(std::unique_ptr<CliCommand>(new CmdAlerts()));
+    add_command(std::unique_ptr<CliCommand>(new CmdLock(true)));
+    add_command(std::unique_ptr<CliCommand>(new CmdLock(false)));
 }
 
 TervalonCli::~TervalonCli() = default;
