@@ -146,7 +146,7 @@ ZBDuration EntryPlan::get_unplanned_time(const ZBDate& date) const
     const ZBDate& startAfter = entry->get_start().calc;
     const ZBDate& dueDate = entry->get_due().calc;
     const bool repeating = entry->get_repeat().is_repeating();
-    const ZBDuration day(std::int64_t(ZBDate::C_DaySecs));
+    const ZBDuration day{std::int64_t(ZBDate::C_DaySecs)};
     ZBDuration wanted;
     ZBDuration planned;
     if (!repeating || !dueDate.is_ok() || date < dueDate) {
