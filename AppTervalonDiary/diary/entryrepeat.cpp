@@ -33,8 +33,9 @@ int cast_entry(ZBDatabase* db, ZBDBObject* object, Diary*& diary, DiaryEntry*& e
     return ZBErrC_ok;
 }
 
-// A copy of entry placed beside it, standing alone: no rule and no plans of
-// the series. A copy for a later instance has none of the work done so far.
+// A copy of entry placed beside it, standing alone, with no rule. A copy of
+// the current instance keeps its plans and the work done so far; one of a
+// later instance starts with none.
 int add_copy(Diary& diary, const DiaryEntry& entry, bool later, DiaryEntry*& out)
 {
     out = nullptr;
@@ -47,12 +48,17 @@ int add_copy(Diary& diary, const DiaryEntry& entry, bool later, DiaryEntry*& out
         return zberror(ZBErrC_DynamicCast, ZBLOC, "Dynamic cast to DiaryEntry failed.");
     }
     copy->edit_repeat().clear_repeat();
-    copy->edit_plan().edit_planned().clear();
     copy->clear_predicted(false);
     if (later) {
-        copy->edit_spent().edit_sessions().clear();
-        copy->edit_spent().set_closed(ZBDate(ZBDate::E_Blank));
-        copy->edit_command().reset_executed();
+        if (!copy->get_plan().get_planned().empty())
+            copy->edit_plan().edit_planned().clear();
+        // Facets are made on first edit; one the series never had stays unmade.
+        if (!copy->get_spent().get_sessions().empty() || copy->get_spent().get_closed().is_ok()) {
+            copy->edit_spent().edit_sessions().clear();
+            copy->edit_spent().set_closed(ZBDate(ZBDate::E_Blank));
+        }
+        if (!copy->get_command().get_exec_command().empty())
+            copy->edit_command().reset_executed();
         ZBProgress progress = copy->get_duration().orig;
         progress.set_completion(0.0);
         copy->edit_duration().set_orig(progress);
@@ -313,7 +319,8 @@ int EntryRepeat::update()
     } else if (progress.get_completion() >= 100.0) {
         progress.set_completion(0.0);
         entry->edit_duration().set_orig(progress);
-        entry->edit_command().reset_executed();
+        if (!entry->get_command().get_exec_command().empty())
+            entry->edit_command().reset_executed();
         changed = true;
     }
     if (changed) {
@@ -440,8 +447,23 @@ int EntryRepeat::create_instance(ZBDatabase* db, ZBDBObject* object, const ZBDat
             entry->edit_repeat().clear_repeat();
         }
     } else {
-        // The series moves on to its next instance.
-        apply_instance(*entry, instances.size() > 1 ? instances[1] : slot, withStart);
+        // The series moves on to its next instance; the plans made for the
+        // one that left went with it.
+        const ZBDateSlot& next = instances.size() > 1 ? instances[1] : slot;
+        apply_instance(*entry, next, withStart);
+        if (!entry->get_plan().get_planned().empty())
+            entry->edit_plan().remove_plans(next.m_start.is_ok() ? next.m_start : key_date(*entry, next));
+        // So did the time spent on it since the series was last done; what
+        // was spent before stays with the series' history.
+        const ZBDateSet& spent = entry->get_spent().get_sessions();
+        if (!spent.empty()) {
+            const ZBDate closed = entry->get_spent().get_closed();
+            const ZBDate from = closed.is_ok() ? closed : spent.start();
+            const ZBDate to = std::max(spent.end(), from) + ZBDuration(1);
+            entry->edit_spent().edit_sessions().subtract(ZBDateSlot(from, to), -1);
+            if (closed.is_ok())
+                copy->edit_spent().edit_sessions().subtract(ZBDateSlot(spent.start(), closed), -1);
+        }
     }
     copy->recalculate(-1, diary, 0);
     entry->clear_predicted(false);

@@ -65,6 +65,32 @@ TEST_F(RepeatInstance, AnInstanceAtTheStartMiddleOrEndOfASeriesBecomesItsOwnEntr
     }
 }
 
+// Plans and sessions belong to the instance they were made for.
+TEST_F(RepeatInstance, TheCurrentInstanceTakesItsPlansAndWorkAlongALaterOneNone)
+{
+    DiaryEntry* series = daily();
+    const int resource = diary.get_default_resource_id();
+    series->edit_plan().edit_planned().add(ZBDateSlot(at("2-Mar-2026 10:00"), at("2-Mar-2026 11:00")), resource);
+    series->edit_plan().edit_planned().add(ZBDateSlot(at("4-Mar-2026 07:00"), at("4-Mar-2026 08:00")), resource);
+    series->edit_spent().add_session(ZBDateSlot(at("2-Mar-2026 06:00"), at("2-Mar-2026 07:00")), resource);
+    int later = -1;
+    ASSERT_EQ(EntryRepeat::create_instance(&diary, series, at("5-Mar-2026"), -1, &later), ZBErrC_ok);
+    const DiaryEntry* fresh = diary.get_entry_id(later);
+    EXPECT_TRUE(fresh->get_plan().get_planned().empty());
+    EXPECT_TRUE(fresh->get_spent().get_sessions().empty());
+    EXPECT_EQ(series->get_plan().get_planned().size(), 2);
+
+    int current = -1;
+    ASSERT_EQ(EntryRepeat::create_instance(&diary, series, at("3-Mar-2026"), -1, &current), ZBErrC_ok);
+    const DiaryEntry* done = diary.get_entry_id(current);
+    EXPECT_EQ(done->get_plan().get_planned().size(), 2);
+    EXPECT_EQ(done->get_spent().get_sessions().size(), 1);
+    // The series keeps only what lies in its new instance.
+    ASSERT_EQ(series->get_plan().get_planned().size(), 1);
+    EXPECT_EQ(series->get_plan().get_planned().start(), at("4-Mar-2026 07:00"));
+    EXPECT_TRUE(series->get_spent().get_sessions().empty());
+}
+
 TEST_F(RepeatInstance, ConvertingWhatIsLeftOfASeriesTurnsItOff)
 {
     // Two instances left: converting the second leaves only the first.
