@@ -9,6 +9,8 @@
 #include "AppTervalonDiary/cli/cmdtimetype.h"
 #include "AppTervalonDiary/cli/cmddone.h"
 #include "AppTervalonDiary/cli/cmdpostpone.h"
+#include "AppTervalonDiary/cli/cmdinstance.h"
+#include "AppTervalonDiary/cli/cmdsequence.h"
 #include "AppTervalonDiary/cli/cmdrm.h"
 #include "AppTervalonDiary/cli/cmdset.h"
 #include "AppTervalonDiary/cli/cmdtree.h"
@@ -42,6 +44,8 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdTree()));
     add_command(std::unique_ptr<CliCommand>(new CmdDone()));
     add_command(std::unique_ptr<CliCommand>(new CmdPostpone()));
+    add_command(std::unique_ptr<CliCommand>(new CmdInstance()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSequence()));
     add_command(std::unique_ptr<CliCommand>(new CmdSet()));
     add_command(std::unique_ptr<CliCommand>(new CmdRm()));
     add_command(std::unique_ptr<CliCommand>(new CmdSpec()));

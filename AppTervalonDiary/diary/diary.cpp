@@ -767,6 +767,50 @@ int Diary::recalculate(E_RecalcLevel level)
     return ZBDiary::recalculate(level);
 }
 
+// ---------------------------------------------------------------- repeating entries
+
+int Diary::generate_sequence(ZBDEntry& entry, int n, bool setDates, bool chain, bool notify)
+{
+    if (!dynamic_cast<DiaryEntry*>(&entry))
+        return ZBDiary::generate_sequence(entry, n, setDates, chain, notify);
+    if (iszbwarn(EntryRepeat::create_sequence(this, &entry, n, setDates, chain, nullptr)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+void Diary::reset_repeating()
+{
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (!entry || !entry->get_repeat().is_repeating())
+            continue;
+        entry->edit_repeat().invalidate();
+        entry->edit_erepeat().invalidate();
+    }
+}
+
+int Diary::times_from_repeat(DiaryEntry& entry, std::vector<ZBDateSlot>& out)
+{
+    out.clear();
+    EntryRepeat& bridge = entry.edit_erepeat();
+    if (!bridge.has_slots() && iszbwarn(bridge.generate_slots(false, m_settings.get_lookahead_date(true),
+                                                              EntryRepeat::C_MaxInstances)))
+        return zbpass(ZBLOC);
+    if (bridge.get_slots().size() < 2)
+        return ZBErrC_ok;
+    const ZBDateSlot& current = bridge.get_slots().front();
+    const ZBDuration length = current.is_ok() ? current.get_duration() : ZBDuration();
+    const ZBDuration reach = bridge.separation() + length;
+    const ZBDate now = ZBDateUtils::now();
+    const ZBDateSlot range(now - reach, now + reach);
+    if (iszbwarn(bridge.generate_slots(false, range, EntryRepeat::C_MaxInstances)))
+        return zbpass(ZBLOC);
+    for (const ZBDateSlot& slot : bridge.get_slots())
+        if (ZBDateSlot::intersects(slot, range))
+            out.push_back(slot);
+    return ZBErrC_ok;
+}
+
 } // namespace Tervalon
 
 // ---------------------------------------------------------------- fixed plans and clashes

@@ -135,6 +135,16 @@ public:
     // Every live entry in display order.
     std::vector<DiaryEntry*> get_display_list() const;
 
+    // Repeating entries. A diary entry's series becomes n entries (with
+    // setDates each takes its instance's dates, with chain each depends on
+    // the one before); other records go to their managers.
+    int generate_sequence(ZBDEntry& entry, int n, bool setDates, bool chain, bool notify) override;
+    // Forgets every entry's generated instances, as after an import or merge.
+    void reset_repeating();
+    // The instances of a repeating entry to show in a calendar: those around
+    // now, within one repeat period either side; none for fewer than two.
+    int times_from_repeat(DiaryEntry& entry, std::vector<ZBDateSlot>& out);
+
     // True when date is valid and at or before the latest due of a late task
     // of the resource.
     bool is_delayed_range(int resource, const ZBDate& date) const;

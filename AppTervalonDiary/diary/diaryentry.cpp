@@ -1068,6 +1068,9 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
     const bool need = true;
     if (phase == 1 || all) {
         calc_derived_entrytype();
+        // The series settles on its instance before its dates are pushed down.
+        if (get_repeat().is_repeating() && iszbwarn(edit_erepeat().update()))
+            return zbpass(ZBLOC);
         if (iszbwarn(recalculate_push_down(diary)))
             return zbpass(ZBLOC);
         if (m_depend)
