@@ -24,6 +24,9 @@ QWidget* scrolled(QWidget* page)
     area->setWidget(page);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
+    // The page shows the tab's own background, not a well cut into it.
+    area->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
     QWidget* holder = new QWidget;
     QVBoxLayout* layout = new QVBoxLayout(holder);
     layout->addWidget(area);
@@ -55,9 +58,11 @@ ZBSettingsQt::ZBSettingsQt(QWidget* parent)
 ZBSettingsQt::~ZBSettingsQt() = default;
 
 ZBFormItemQt* ZBSettingsQt::add_param(const std::string& name, const QString& label, ZBFormItemQt::E_DataType kind,
-                                      double low, double high, const ZBFormItemQt::Choices& choices)
+                                      const std::string& defaultValue, double low, double high,
+                                      const ZBFormItemQt::Choices& choices)
 {
-    const std::string value = system_value(name);
+    const bool set = has_zbparam() && zbparam().is_system_value_set(name);
+    const std::string value = set ? system_value(name) : defaultValue;
     ZBFormItemQt* item = new ZBFormItemQt;
     switch (kind) {
     case ZBFormItemQt::E_Bool:

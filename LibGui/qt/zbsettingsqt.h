@@ -26,8 +26,10 @@ public:
 
     // A system value on the "General" page, shown as the kind given (bool,
     // int, float, text, path or choice); low and high bound numbers.
+    // A value not yet set shows as defaultValue.
     ZBFormItemQt* add_param(const std::string& name, const QString& label, ZBFormItemQt::E_DataType kind,
-                            double low = 0, double high = 100000, const ZBFormItemQt::Choices& choices = {});
+                            const std::string& defaultValue = std::string(), double low = 0, double high = 100000,
+                            const ZBFormItemQt::Choices& choices = {});
     // A "Notifications" page: one choice per scheme (its system key and label).
     void add_notify(const std::vector<std::pair<std::string, QString>>& schemes, const ZBFormItemQt::Choices& choices,
                     int defaultChoice);

@@ -216,6 +216,9 @@ void ZBTreeWidgetQt::set_mode(E_Mode mode)
     }
     update_mode_images();
     update_select_all_button();
+    // The pick pictures widen the first column; its texts must stay whole.
+    if (columnCount() > 1 && m_modeColumn >= 0 && m_modeColumn < columnCount() - 1)
+        resizeColumnToContents(m_modeColumn);
 }
 
 void ZBTreeWidgetQt::update_mode_images()

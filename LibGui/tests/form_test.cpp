@@ -163,14 +163,16 @@ TEST(SettingsQt, OkWritesOnlyChangedValuesAndBadStoredValuesShowSensibly)
 
     ZBSettingsQt settings;
     settings.set_restore_geom(false);
-    ZBFormItemQt* days = settings.add_param("PlanDays", "Days to plan", ZBFormItemQt::E_Int, 1, 365);
+    ZBFormItemQt* days = settings.add_param("PlanDays", "Days to plan", ZBFormItemQt::E_Int, "28", 1, 365);
     settings.add_param("AutoSave", "Save automatically", ZBFormItemQt::E_Bool);
+    ZBFormItemQt* backups = settings.add_param("Backups", "Backups", ZBFormItemQt::E_Int, "5", 0, 100);
     settings.add_notify({{"NotifyLate", "Late tasks"}}, {{0, "Off"}, {1, "In the list"}, {2, "Pop up"}}, 1);
     EXPECT_EQ(settings.get_tabs()->objectName(), "settingsTab");
     EXPECT_EQ(settings.get_tabs()->toolTip(), "This dialog lets you edit the settings for the application.");
     EXPECT_EQ(settings.get_tabs()->count(), 2);
     settings.show_dialog();
-    EXPECT_EQ(days->get_int(), 1);
+    EXPECT_EQ(days->get_int(), 1) << "a stored value that is no number shows as the least allowed";
+    EXPECT_EQ(backups->get_int(), 5) << "a value never set shows its default";
 
     static_cast<QSpinBox*>(days->get_field())->setValue(14);
     QTest::keyClick(&settings, Qt::Key_Return, Qt::ControlModifier);
@@ -178,4 +180,5 @@ TEST(SettingsQt, OkWritesOnlyChangedValuesAndBadStoredValuesShowSensibly)
     EXPECT_EQ(zbparam().get_system_value("PlanDays"), "14");
     EXPECT_EQ(zbparam().get_system_value("AutoSave"), "1");
     EXPECT_EQ(zbparam().get_system_value("NotifyLate"), "1");
+    EXPECT_EQ(zbparam().get_system_value("Backups"), "5");
 }
