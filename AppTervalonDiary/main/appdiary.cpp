@@ -1,11 +1,13 @@
 #include "AppTervalonDiary/main/appdiary.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
+#include "AppTervalonDiary/main/appscreenshots.h"
 #include "LibDatabase/qt/zbdbmanagerqt.h"
 #include "LibDatabase/db/zbdatabase.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
 #include "LibCore/param/zbparamcmdline.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <iostream>
@@ -36,7 +38,7 @@ int AppDiary::early_options(int argc, char** argv)
                                      AppDiaryInfo::C_Description, AppDiaryInfo::C_Company, "The Tervalon developers",
                                      AppDiaryInfo::C_Date, info->get_release_tag(), AppDiaryInfo::C_Tag);
         set_zbparam(param);
-        param->get_commandline().add_value("file", "The diary file to open; it is made if it does not exist.");
+        declare_options(param->get_commandline());
         param->add_config_file(param->default_user_config());
         get_zberror().clear_all();
         result = param->parse(std::cout);
@@ -55,15 +57,49 @@ std::string AppDiary::diary_argument()
     return has_zbparam() ? zbparam().get_value("file") : std::string();
 }
 
+void AppDiary::declare_options(ZBParamCmdLine& cmdLine)
+{
+    cmdLine.add_value("file", "The diary file to open; it is made if it does not exist.");
+    cmdLine.add_option_group("Window options")
+        ->add_option("screenshots",
+                     "Show each window in turn on the file (read only) or on a sample diary, save a picture of "
+                     "each as DIR/<name>.png, and end.",
+                     true);
+}
+
+std::string AppDiary::screenshots_argument()
+{
+    return has_zbparam() ? zbparam().get_value("screenshots") : std::string();
+}
+
 int AppDiary::parameters(ZBParam&, ZBParamCmdLine* cmdLine, ZBParamFile*)
 {
     if (cmdLine)
-        cmdLine->add_value("file", "The diary file to open; it is made if it does not exist.");
+        declare_options(*cmdLine);
     return ZBErrC_ok;
+}
+
+int AppDiary::run_screenshots(const std::string& folder)
+{
+    std::string file = m_diaryDB.empty() ? std::string()
+                                         : QDir::current().absoluteFilePath(QString::fromStdString(m_diaryDB)).toStdString();
+    AppScreenshots tour(folder, file);
+    int result = tour.run();
+    if (iszbwarn(result)) {
+        // No dialog: the tour runs unattended, so the terminal gets the message and the run fails.
+        get_zberror().print_and_clear(std::cerr, "tervalon-diary: ");
+        QCoreApplication::exit(1);
+        return ZBErrC_ok;
+    }
+    std::cout << "Saved " << tour.get_nsaved() << " pictures in " << folder << std::endl;
+    return ZBErrC_okShutdown;
 }
 
 int AppDiary::run()
 {
+    const std::string screenshots = screenshots_argument();
+    if (!screenshots.empty())
+        return run_screenshots(screenshots);
     check_file_url(m_diaryDB);
     load_recent();
     std::string file = m_diaryDB.empty() ? get_first_file() : m_diaryDB;

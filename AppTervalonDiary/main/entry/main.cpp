@@ -4,6 +4,8 @@
 #include "LibDate/date/zblocaleqt.h"
 #include "LibGui/qt/zbqtapp.h"
 
+#include <QCoreApplication>
+
 int main(int argc, char** argv)
 {
     // --help and --version need no display: answer them before the window system is asked for.
@@ -13,6 +15,9 @@ int main(int argc, char** argv)
     early = Tervalon::ZBQtApp::pre_setup(argc, argv);
     if (early >= 0)
         return early;
+    // Sharp on high-density screens: the layout scales and icons come in the screen's density.
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     Tervalon::ZBQtApp qtApp(argc, argv);
     // The platform's formats and names; the start-up reads the user's own over them.
     Tervalon::set_zblocale(new Tervalon::ZBLocaleQt());
