@@ -350,6 +350,10 @@ private:
             return true;
         }
         int month = is_word_token(suffix) ? m_locale.month_number(suffix) : -1;
+        // After a month named alone a year is that month's ("Sep 2026 Nov"),
+        // not the year of the month that follows it.
+        if (lengthA >= 3 && m_pendingMonth >= 0)
+            month = -1;
         if (month >= 0) {
             m_tokens.pop_token();
             if (lengthA >= 3)
@@ -362,7 +366,9 @@ private:
             return true;
         }
         m_tokens.match('.');
-        if (a > 100) {
+        // Written with three digits or more it is a year, however small:
+        // years print with four ("0001"), and must read back as years.
+        if (a > 100 || lengthA >= 3) {
             add(T::SetYear, a);
         } else if (m_pendingMonth >= 0) {
             if (!day_ok(a))
@@ -380,7 +386,8 @@ private:
     // before a month name is its year, as in "2026-Mar", and a day may follow.
     bool year_month(int year, int month)
     {
-        m_tokens.match('.');
+        // As after a month named alone, one date separator goes with the name.
+        drop_date_separator();
         m_tokens.pop_whitespace();
         const std::string& after = m_tokens.get_token(1);
         const bool dayFollows = is_number_token(m_tokens.first_token()) && m_tokens.first_token().size() <= 2
