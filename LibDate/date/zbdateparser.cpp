@@ -285,13 +285,16 @@ private:
     bool zone()
     {
         int sign = 1;
+        bool offset = is_number_token(m_tokens.first_token()); // "GMT5"
         if (m_tokens.match('+'))
-            sign = 1;
+            sign = 1, offset = true;
         else if (m_tokens.match('-'))
-            sign = -1;
+            sign = -1, offset = true;
         int hours = 0;
         int minutes = 0;
-        if (is_number_token(peek())) {
+        // Without a sign, a number after a blank is not an offset: "UTC 13:30"
+        // is half past one in UTC, and "UTC 7-Dec" a date.
+        if (offset && is_number_token(peek())) {
             if (!take_number(hours))
                 return false;
             if (m_tokens.match(':')) {
@@ -300,12 +303,12 @@ private:
             }
         }
         // An offset without a code of its own is refused, never taken as GMT.
-        const int offset = hours > 14 || minutes > 59 ? ZBDate::C_OffsetMax + 1 : sign * (hours * 3600 + minutes * 60);
-        if (!ZBDateUtils::offset_has_zone(offset, false)) {
+        const int seconds = hours > 14 || minutes > 59 ? ZBDate::C_OffsetMax + 1 : sign * (hours * 3600 + minutes * 60);
+        if (!ZBDateUtils::offset_has_zone(seconds, false)) {
             invalid();
             return false;
         }
-        add(T::SetZone, ZBDateUtils::seconds_to_zone(offset, false, false));
+        add(T::SetZone, ZBDateUtils::seconds_to_zone(seconds, false, false));
         return true;
     }
 

@@ -71,6 +71,8 @@ TEST_F(CanonicalText, TypedTextsReadBackToTheSameExpression)
         {"310Apr", "Apr/0310"},
         {"0001 Oct", "Oct/0001"}, // a small year printed with four digits is still a year
         {"Oct 0050", "Oct/0050"},
+        {"GMT 7-Dec", "UTC 7-Dec"}, // a number after a blank is no offset
+        {"UTC 13:36:07", "UTC 13:36:07"},
         {"Sep/2026 Nov/2027", "Sep/2026 Nov/2027"}, // each year stays with its own month
         {"2026/F026/F0e40e4", nullptr},
         {"Jan +1 Day", "Jan +1 Day"},

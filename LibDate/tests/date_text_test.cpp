@@ -80,6 +80,8 @@ TEST_F(DateText, AbsoluteDatesAndTimes)
         {"week 1", "2026-01-07T10:30:00Z"},
         {"14:00 UTC+2", "2026-03-04T12:00:00Z"},
         {"14:00 GMT-5:30", "2026-03-04T19:30:00Z"},
+        {"UTC 14:00", "2026-03-04T14:00:00Z"}, // after a blank a number is the time, not an offset
+        {"GMT2 14:00", "2026-03-04T12:00:00Z"},
         {"  9-Mar-2026   14:00  ", "2026-03-09T14:00:00Z"},
     };
     check(rows, sizeof rows / sizeof rows[0]);
