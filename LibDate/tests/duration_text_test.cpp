@@ -160,3 +160,19 @@ TEST(DurationStored, NegativeFractionsReadBack)
         EXPECT_EQ(back, duration) << out.str();
     }
 }
+
+// Seconds that carry the days past what the stored form holds: refused, the
+// duration kept, instead of a value that writes as a longer text.
+TEST(DurationStored, CarryPastTheStoredDaysIsRefused)
+{
+    const ZBDuration kept(1, 2, 3);
+    ZBDuration duration = kept;
+    std::istringstream in("9999999999999999@");
+    in >> duration;
+    EXPECT_TRUE(in.fail());
+    EXPECT_EQ(duration, kept);
+    std::istringstream fits("0099999999999999@");
+    fits >> duration;
+    EXPECT_FALSE(fits.fail());
+    EXPECT_EQ(duration.get_days(), 999999 + 99999999 / 86400);
+}
