@@ -19,7 +19,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 build=build/fuzz
-targets=(stream database param spec zbo datetext duration repeat expr)
+targets=(stream database param spec zbo datetext duration repeat expr taskjson)
 # A hang is a fault: no input may take longer than this many seconds.
 timeout=10
 

@@ -5,6 +5,7 @@
 #include "AppTervalonDiary/cli/cmdcalendar.h"
 #include "AppTervalonDiary/cli/cmdcheck.h"
 #include "AppTervalonDiary/cli/cmddepend.h"
+#include "AppTervalonDiary/cli/cmdimport.h"
 #include "AppTervalonDiary/cli/cmdresource.h"
 #include "AppTervalonDiary/cli/cmdtimetype.h"
 #include "AppTervalonDiary/cli/cmddone.h"
@@ -51,6 +52,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdSpec()));
     add_command(std::unique_ptr<CliCommand>(new CmdDepend(true)));
     add_command(std::unique_ptr<CliCommand>(new CmdDepend(false)));
+    add_command(std::unique_ptr<CliCommand>(new CmdImport()));
     add_command(std::unique_ptr<CliCommand>(new CmdCalendar()));
     add_command(std::unique_ptr<CliCommand>(new CmdResource()));
     add_command(std::unique_ptr<CliCommand>(new CmdTimeType()));

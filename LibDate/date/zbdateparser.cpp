@@ -58,7 +58,11 @@ bool is_date_separator(const std::string& token)
 // One parse: the tokens, the expression so far and a month named before its day.
 class Parse {
 public:
-    Parse(const std::string& text, ZBDateExp& exp) : m_exp(exp), m_locale(zblocale())
+    // With keepImpossible a day or month number no calendar has stays in the
+    // expression, so that the strict reader can say which field is wrong;
+    // otherwise such text is invalid.
+    Parse(const std::string& text, ZBDateExp& exp, bool keepImpossible)
+        : m_exp(exp), m_locale(zblocale()), m_keepImpossible(keepImpossible)
     {
         ZBDateParser::split_tokens(m_tokens, text);
     }
@@ -120,6 +124,26 @@ private:
         m_exp.set_defaults();
         m_pendingMonth = -1;
         m_exp.add_term(T::Invalid, 0);
+    }
+
+    // A day of the month and a month as written (1-based). "31-Feb" may carry
+    // into March, but a day 0 or 32 or a month 13 is a slip of the keyboard,
+    // and carrying it would land on a date nobody wrote and that no text
+    // prints back; such text is invalid.
+    bool day_ok(int day)
+    {
+        if (m_keepImpossible || (day >= 1 && day <= 31))
+            return true;
+        invalid();
+        return false;
+    }
+
+    bool month_ok(int month)
+    {
+        if (m_keepImpossible || (month >= 1 && month <= 12))
+            return true;
+        invalid();
+        return false;
     }
 
     // A number token as an int; false (and the invalid expression) when it
@@ -261,13 +285,16 @@ private:
     bool zone()
     {
         int sign = 1;
+        bool offset = is_number_token(m_tokens.first_token()); // "GMT5"
         if (m_tokens.match('+'))
-            sign = 1;
+            sign = 1, offset = true;
         else if (m_tokens.match('-'))
-            sign = -1;
+            sign = -1, offset = true;
         int hours = 0;
         int minutes = 0;
-        if (is_number_token(peek())) {
+        // Without a sign, a number after a blank is not an offset: "UTC 13:30"
+        // is half past one in UTC, and "UTC 7-Dec" a date.
+        if (offset && is_number_token(peek())) {
             if (!take_number(hours))
                 return false;
             if (m_tokens.match(':')) {
@@ -276,12 +303,12 @@ private:
             }
         }
         // An offset without a code of its own is refused, never taken as GMT.
-        const int offset = hours > 14 || minutes > 59 ? ZBDate::C_OffsetMax + 1 : sign * (hours * 3600 + minutes * 60);
-        if (!ZBDateUtils::offset_has_zone(offset, false)) {
+        const int seconds = hours > 14 || minutes > 59 ? ZBDate::C_OffsetMax + 1 : sign * (hours * 3600 + minutes * 60);
+        if (!ZBDateUtils::offset_has_zone(seconds, false)) {
             invalid();
             return false;
         }
-        add(T::SetZone, ZBDateUtils::seconds_to_zone(offset, false, false));
+        add(T::SetZone, ZBDateUtils::seconds_to_zone(seconds, false, false));
         return true;
     }
 
@@ -319,28 +346,63 @@ private:
                 m_tokens.pop_token();
                 add(T::SetDay, -a, C_FromEnd);
             } else {
+                if (!day_ok(a))
+                    return false;
                 add(T::SetDay, a - 1);
             }
             return true;
         }
         int month = is_word_token(suffix) ? m_locale.month_number(suffix) : -1;
+        // After a month named alone a year is that month's ("Sep 2026 Nov"),
+        // not the year of the month that follows it.
+        if (lengthA >= 3 && m_pendingMonth >= 0)
+            month = -1;
         if (month >= 0) {
             m_tokens.pop_token();
+            if (lengthA >= 3)
+                return year_month(a, month);
+            if (!day_ok(a))
+                return false;
             add(T::SetDay, a - 1);
             add(T::SetMonth, month);
             m_tokens.match('.');
             return true;
         }
         m_tokens.match('.');
-        if (a > 100) {
+        // Written with three digits or more it is a year, however small:
+        // years print with four ("0001"), and must read back as years.
+        if (a > 100 || lengthA >= 3) {
             add(T::SetYear, a);
         } else if (m_pendingMonth >= 0) {
+            if (!day_ok(a))
+                return false;
             m_exp.add_term(T::SetDay, a - 1);
             m_exp.add_term(T::SetMonth, m_pendingMonth);
             m_pendingMonth = -1;
         } else {
             return false;
         }
+        return true;
+    }
+
+    // "2020 Jan", "2020Jan2", "2020 Jan 2": a number of three digits or more
+    // before a month name is its year, as in "2026-Mar", and a day may follow.
+    bool year_month(int year, int month)
+    {
+        // As after a month named alone, one date separator goes with the name.
+        drop_date_separator();
+        m_tokens.pop_whitespace();
+        const std::string& after = m_tokens.get_token(1);
+        const bool dayFollows = is_number_token(m_tokens.first_token()) && m_tokens.first_token().size() <= 2
+                                && after != ":" && after != ";" && after != "AM" && after != "PM";
+        if (dayFollows) {
+            int day = 0;
+            if (!take_number(day) || !day_ok(day))
+                return false;
+            add(T::SetDay, day - 1);
+        }
+        add(T::SetMonth, month);
+        add(T::SetYear, year);
         return true;
     }
 
@@ -422,6 +484,8 @@ private:
                 } else {
                     day = b, month = a - 1, year = ZBDateParser::adjusted_year(c, lengthC);
                 }
+            } else if (lengthA >= 3) {
+                year = a; // "2026-2": a month of a year, as "2026-Feb" is
             } else if (style == 1) {
                 day = a, month = b - 1;
             } else {
@@ -442,6 +506,8 @@ private:
                 day = a;
             }
         }
+        if ((day >= 0 && !day_ok(day)) || (monthName < 0 && !month_ok(month + 1)))
+            return false;
         if (day >= 0)
             add(T::SetDay, day - 1);
         add(T::SetMonth, month);
@@ -546,6 +612,7 @@ private:
     ZBTokenSet m_tokens;
     ZBDateExp& m_exp;
     const ZBLocale& m_locale;
+    const bool m_keepImpossible;
     int m_pendingMonth = -1;
 };
 
@@ -569,14 +636,7 @@ std::string cleaned(const std::string& text)
     return squeezed;
 }
 
-} // namespace
-
-ZBDateExp ZBDateParser::parse_date(const std::string& text)
-{
-    return parse_date(text, nullptr);
-}
-
-ZBDateExp ZBDateParser::parse_date(const std::string& text, bool* complete)
+ZBDateExp parse(const std::string& text, bool* complete, bool keepImpossible)
 {
     ZBDateExp exp;
     if (complete)
@@ -586,11 +646,28 @@ ZBDateExp ZBDateParser::parse_date(const std::string& text, bool* complete)
         exp.add_term(T::Blank, 0);
         return exp;
     }
-    Parse parse(clean, exp);
+    Parse parse(clean, exp, keepImpossible);
     parse.run();
     if (complete)
         *complete = parse.complete();
+    // Text that gave no term at all ("1", "45m", "+soon") names no date; read
+    // as nothing it would land on the start date and print as empty text,
+    // which reads back as the blank date.
+    if (exp.size() == 0)
+        exp.add_term(T::Invalid, 0);
     return exp;
+}
+
+} // namespace
+
+ZBDateExp ZBDateParser::parse_date(const std::string& text)
+{
+    return parse_date(text, nullptr);
+}
+
+ZBDateExp ZBDateParser::parse_date(const std::string& text, bool* complete)
+{
+    return parse(text, complete, false);
 }
 
 void ZBDateParser::split_tokens(ZBTokenSet& tokens, const std::string& text)
@@ -723,7 +800,7 @@ bool ZBDateParser::read_typed(const std::string& text, const ZBDate* relative, c
     result = ZBDate(ZBDate::E_Blank);
     why.clear();
     bool complete = true;
-    ZBDateExp exp = parse_date(text, &complete);
+    ZBDateExp exp = parse(text, &complete, true);
     const ZBDate start = relative ? *relative : ZBDate(ZBDate::E_Blank);
     if (exp.is_invalid() || !complete)
         return false;

@@ -285,8 +285,18 @@ std::istream& operator>>(std::istream& in, ZBDuration& duration)
     }
     long long days = std::strtoll(digits.substr(0, 8).c_str(), nullptr, 10);
     long long seconds = std::strtoll(digits.substr(8, 8).c_str(), nullptr, 10);
-    int micro = digits.size() - 16 > 5 ? int(std::strtol(digits.substr(16, 6).c_str(), nullptr, 10)) : 0;
-    duration.set_duration(days, seconds, micro);
+    // "%06d" gives six characters, or seven for a value below -99999
+    // ("-0000180-400000": minus three minutes and 0.4 s), so the field runs
+    // to the '@'.
+    int micro = digits.size() - 16 > 5 ? int(std::strtol(digits.substr(16, 7).c_str(), nullptr, 10)) : 0;
+    // Seconds past a day carry into the days; a damaged text whose days then
+    // no longer fit the stored form is refused, as a typed one is.
+    const ZBDuration read(days, seconds, micro);
+    if (read.get_days() > C_MaxDays || read.get_days() < -C_MaxDays) {
+        in.setstate(std::ios::failbit);
+        return in;
+    }
+    duration = read;
     if (in.eof())
         in.clear(std::ios::eofbit);
     return in;

@@ -66,6 +66,15 @@ TEST_F(CanonicalText, TypedTextsReadBackToTheSameExpression)
         {"9-Mar-2026 14:00", "9-Mar/2026 14:00:00"},
         {"Mar 2027", "Mar/2027"},
         {"2027-Mar", "Mar/2027"},
+        {"2020Jan2", "2-Jan/2020"},
+        {"2026-2+", "Feb/2026"},
+        {"310Apr", "Apr/0310"},
+        {"0001 Oct", "Oct/0001"}, // a small year printed with four digits is still a year
+        {"Oct 0050", "Oct/0050"},
+        {"GMT 7-Dec", "UTC 7-Dec"}, // a number after a blank is no offset
+        {"UTC 13:36:07", "UTC 13:36:07"},
+        {"Sep/2026 Nov/2027", "Sep/2026 Nov/2027"}, // each year stays with its own month
+        {"2026/F026/F0e40e4", nullptr},
         {"Jan +1 Day", "Jan +1 Day"},
         {"14:00 UTC+12:45", "14:00:00 UTC+12:45"},
         {"14:00 UTC-9:30 DST", "14:00:00 UTC-9:30 DST"},

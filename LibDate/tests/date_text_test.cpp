@@ -80,6 +80,8 @@ TEST_F(DateText, AbsoluteDatesAndTimes)
         {"week 1", "2026-01-07T10:30:00Z"},
         {"14:00 UTC+2", "2026-03-04T12:00:00Z"},
         {"14:00 GMT-5:30", "2026-03-04T19:30:00Z"},
+        {"UTC 14:00", "2026-03-04T14:00:00Z"}, // after a blank a number is the time, not an offset
+        {"GMT2 14:00", "2026-03-04T12:00:00Z"},
         {"  9-Mar-2026   14:00  ", "2026-03-09T14:00:00Z"},
     };
     check(rows, sizeof rows / sizeof rows[0]);
@@ -131,7 +133,7 @@ TEST_F(DateText, RelativeWordsAndSteps)
         {"next week", "2026-03-11T10:30:00Z"},
         {"last month", "2026-02-04T10:30:00Z"},
         {"next year", "2027-03-04T10:30:00Z"},
-        {"+1 Mystery", "2026-03-04T10:30:00Z"}, // an unknown unit adds nothing
+        {"tomorrow +1 Mystery", "2026-03-05T10:30:00Z"}, // an unknown unit adds nothing
     };
     check(rows, sizeof rows / sizeof rows[0]);
 }
@@ -223,6 +225,56 @@ TEST_F(DateText, UnreadableTextIsInvalid)
         EXPECT_FALSE(date.from_string(text)) << text << " gave " << date.to_iso();
         EXPECT_TRUE(date.is_invalid()) << text;
     }
+}
+
+// Text that names no date at all is invalid, never a date that prints as
+// nothing: "1" or "45m" used to land on the start date and print as "",
+// which reads back as the blank date.
+TEST_F(DateText, TextGivingNoTermIsInvalid)
+{
+    for (const char* text : {"1", "45m", "+soon", "+1 Mystery", ".", "7 days"}) {
+        const ZBDateExp exp = ZBDateParser::parse_date(text);
+        EXPECT_TRUE(exp.is_invalid()) << text << " -> \"" << exp.to_string() << '"';
+        ZBDate date;
+        EXPECT_FALSE(date.from_string(text)) << text;
+        ZBDate checked;
+        EXPECT_TRUE(iszbwarn(ZBDateParser::read_checked(text, nullptr, nullptr, checked))) << text;
+        get_zberror().clear_all();
+    }
+}
+
+// Day and month numbers no calendar has: the lenient reader carried them
+// into another date whose canonical text read back as something else.
+TEST_F(DateText, ImpossibleDayOrMonthNumbersAreInvalid)
+{
+    for (const char* text : {"1/13/2026", "2020-0-2", "23/202", "07.000123", "0/3", "32nd", "0th", "Jan 40",
+                             "40 Jan", "5/310", "2020Jan40"}) {
+        const ZBDateExp exp = ZBDateParser::parse_date(text);
+        EXPECT_TRUE(exp.is_invalid()) << text << " -> \"" << exp.to_string() << '"';
+    }
+    // A day the month lacks still carries, as the calendar does.
+    EXPECT_EQ(ZBDateUtils::read_date("31-Feb-2026").to_iso(), "2026-03-03T10:30:00Z");
+}
+
+// Three digits or more before a month are its year, whether the month is a
+// name or a number, and a day may follow the name.
+TEST_F(DateText, LongNumberBeforeAMonthIsTheYear)
+{
+    const Row rows[] = {
+        {"2026-2", "2026-02-04T10:30:00Z"},
+        {"2026-2+", "2026-02-04T10:30:00Z"},
+        {"2020Jan2", "2020-01-02T10:30:00Z"},
+        {"2020 Jan 2", "2020-01-02T10:30:00Z"},
+        {"2027 Mar", "2027-03-04T10:30:00Z"},
+        {"2027Mar 14:00", "2027-03-04T14:00:00Z"},
+        {"2026-03-09", "2026-03-09T10:30:00Z"},
+    };
+    check(rows, sizeof rows / sizeof rows[0]);
+    // Beyond the last year a date can hold there is no date, but the text still
+    // prints as itself.
+    const ZBDateExp far = ZBDateParser::parse_date("202021-2");
+    EXPECT_EQ(far.to_string(), "Feb/202021");
+    EXPECT_TRUE(far.apply(C_Now).is_invalid());
 }
 
 TEST_F(DateText, CutShortTextKeepsWhatCameBefore)

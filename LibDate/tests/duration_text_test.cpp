@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 using namespace Tervalon;
 
 TEST(DurationNormalise, PartsAgreeInSign)
@@ -141,4 +143,36 @@ TEST(DurationText, TooLongToStoreIsRefusedAndKeepsTheValue)
         EXPECT_EQ(ZBDuration(5400), kept) << text;
     }
     clear_last_error();
+}
+
+// Below zero and not whole seconds, the microseconds are stored with their
+// minus sign, one character wider; they used to read back without their last digit.
+TEST(DurationStored, NegativeFractionsReadBack)
+{
+    for (const ZBDuration& duration : {ZBDuration(0, -180, -400001), ZBDuration(0, -1, -1), ZBDuration(-2, -5, -999999),
+                                       ZBDuration(0, 180, 400001), ZBDuration(3, 0, 7)}) {
+        std::ostringstream out;
+        out << duration;
+        std::istringstream in(out.str());
+        ZBDuration back;
+        in >> back;
+        EXPECT_FALSE(in.fail()) << out.str();
+        EXPECT_EQ(back, duration) << out.str();
+    }
+}
+
+// Seconds that carry the days past what the stored form holds: refused, the
+// duration kept, instead of a value that writes as a longer text.
+TEST(DurationStored, CarryPastTheStoredDaysIsRefused)
+{
+    const ZBDuration kept(1, 2, 3);
+    ZBDuration duration = kept;
+    std::istringstream in("9999999999999999@");
+    in >> duration;
+    EXPECT_TRUE(in.fail());
+    EXPECT_EQ(duration, kept);
+    std::istringstream fits("0099999999999999@");
+    fits >> duration;
+    EXPECT_FALSE(fits.fail());
+    EXPECT_EQ(duration.get_days(), 999999 + 99999999 / 86400);
 }
