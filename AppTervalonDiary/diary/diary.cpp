@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/diary/diary.h"
+#include "AppTervalonDiary/diary/timeallocator.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zblocale.h"
@@ -729,8 +730,63 @@ int Diary::recalculate_entries()
 
 int Diary::full_recalculate()
 {
+    // The entry phases give the planner its dates and priorities; they run
+    // again after it so that its results reach dates, priorities and alerts.
     if (iszbwarn(calculate_dependencies()) || iszbwarn(recalculate(E_RecalcQuick)))
         return zbpass(ZBLOC);
+    if (iszbwarn(calculate_time_allocation()) || iszbwarn(recalculate(E_RecalcQuick)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int Diary::calculate_time_allocation()
+{
+    TimeAllocator allocator;
+    if (iszbwarn(allocator.start(*this)) || iszbwarn(allocator.allocate(*this)) || iszbwarn(allocator.complete(*this)))
+        return zbpass(ZBLOC);
+    if (iszbwarn(check_clashing()))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+// minimal until fixed plans land: fixed plans and appointments of each
+// resource, sorted, each told of the neighbour it overlaps.
+int Diary::check_clashing()
+{
+    struct Booked {
+        ZBDateSlot slot;
+        DiaryEntry* entry;
+    };
+    std::map<int, std::vector<Booked>> byResource;
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (!entry || entry->is_deleted())
+            continue;
+        if (!entry->get_plan().get_clash().empty())
+            entry->edit_plan().edit_clash().clear();
+        const int resource = entry->get_props().get_resource_calc();
+        const ZBDateSet& planned = entry->get_plan().get_planned();
+        for (int p = 0; p < planned.size(); ++p)
+            byResource[resource].push_back({ZBDateSlot(planned[p]->m_start, planned[p]->m_end), entry});
+        if (entry->get_derived_entrytype() == 'A' && entry->get_nchildren() == 0
+            && entry->get_props().get_timetype_orig() != TimeType::C_FreeTimeTypeId && entry->get_time().calc.is_ok()
+            && entry->get_time().calc.m_start < entry->get_time().calc.m_end)
+            byResource[resource].push_back({entry->get_time().calc, entry});
+    }
+    for (auto& booked : byResource) {
+        std::vector<Booked>& list = booked.second;
+        std::stable_sort(list.begin(), list.end(),
+                         [](const Booked& a, const Booked& b) { return a.slot.m_start < b.slot.m_start; });
+        for (size_t i = 1; i < list.size(); ++i) {
+            const Booked& a = list[i - 1];
+            const Booked& b = list[i];
+            if (a.entry == b.entry || !(b.slot.m_start < a.slot.m_end))
+                continue;
+            std::vector<std::string>& clash = a.entry->edit_plan().edit_clash();
+            if (std::find(clash.begin(), clash.end(), b.entry->get_summary()) == clash.end())
+                clash.push_back(b.entry->get_summary());
+        }
+    }
     return ZBErrC_ok;
 }
 

@@ -29,16 +29,10 @@ int EntryPlan::create_zbobject(ZBObject*& out, const ZBObject* from)
 
 void EntryPlan::set_defaults(bool)
 {
-    m_predicted.clear();
     m_planned.clear();
     m_isPlanned = true;
-    m_predictedTrans = false;
-    m_totalPlan = ZBDuration();
-    m_clash.clear();
-    m_mustStart = ZBDate::C_Blank;
-    m_predDue = ZBDate::C_Blank;
-    m_predDueId = -1;
-    m_problemDate.clear();
+    clear_predicted(true);
+    m_derivedMustStart = ZBDate::C_Blank;
 }
 
 bool EntryPlan::should_start() const
@@ -53,7 +47,17 @@ bool EntryPlan::should_start() const
 bool EntryPlan::could_overrun() const
 {
     const DiaryEntry* entry = get_entry();
-    if (!entry || m_predicted.empty() || !entry->get_due().calc.is_ok())
+    if (!entry)
+        return false;
+    // minimal until fixed plans land: the planner could not book all of an
+    // open task (its resource has no time, or not enough).
+    if (m_predictedTrans && entry->get_nchildren() == 0 && entry->get_derived_entrytype() == 'T'
+        && !entry->is_complete() && m_totalPlan < entry->get_duration().orig.get_remaining())
+        return true;
+    // A repeating entry's later instances have their own dues.
+    if (entry->get_repeat().is_repeating())
+        return !m_problemDate.empty();
+    if (m_predicted.empty() || !entry->get_due().calc.is_ok())
         return false;
     const ZBDate last = m_predicted.end();
     return last.is_ok() && entry->get_due().calc < last;
@@ -71,13 +75,6 @@ int EntryPlan::serialise_facet(ZBObject& owner, std::istream* in, std::ostream* 
     return serialise_set(owner, in, out, prefix, "pl", m_planned, version);
 }
 
-void EntryPlan::clear_predicted()
-{
-    m_predicted.clear();
-    m_predictedTrans = false;
-    m_clash.clear();
-}
-
 void EntryPlan::remove_plans(const ZBDate& date)
 {
     if (date.is_blank()) {
@@ -86,6 +83,76 @@ void EntryPlan::remove_plans(const ZBDate& date)
     }
     if (!m_planned.empty() && m_planned.start() < date)
         m_planned.subtract(ZBDateSlot(m_planned.start(), date), -1);
+}
+
+// ---------------------------------------------------------------- predictions
+
+void EntryPlan::clear_predicted(bool all)
+{
+    m_predicted.clear();
+    m_predictedTrans = false;
+    m_totalPlan = ZBDuration();
+    m_mustStart = ZBDate::C_Blank;
+    m_plannedStart = ZBDate::C_Blank;
+    m_predStart = ZBDate::C_Blank;
+    m_predStartId = -1;
+    m_predDue = ZBDate::C_Blank;
+    m_predDueId = -1;
+    m_preTime = ZBDuration();
+    m_problemDate.clear();
+    if (all)
+        m_clash.clear();
+}
+
+const ZBDate& EntryPlan::get_muststart() const
+{
+    return m_predictedTrans && m_mustStart.is_ok() ? m_mustStart : m_derivedMustStart;
+}
+
+void EntryPlan::load_predicted(const EntryPlan* other)
+{
+    if (!other) {
+        m_predictedTrans = true;
+        m_totalPlan = m_planned.duration() + m_predicted.duration();
+        return;
+    }
+    m_predicted = other->m_predicted;
+    m_plannedStart = other->m_plannedStart;
+    m_mustStart = other->m_mustStart;
+    m_clash = other->m_clash;
+    m_predStart = other->m_predStart;
+    m_predStartId = other->m_predStartId;
+    m_predDue = other->m_predDue;
+    m_predDueId = other->m_predDueId;
+    m_preTime = other->m_preTime;
+    m_problemDate = other->m_problemDate;
+    m_predictedTrans = other->m_predictedTrans;
+    m_totalPlan = m_planned.duration() + m_predicted.duration();
+}
+
+void EntryPlan::add_predicted(const ZBDate& plannedStart, const ZBDate& mustStart, const ZBDateSet& allocated,
+                              const ZBDate& start, int startSource, const ZBDate& due, int dueSource,
+                              const ZBDuration& preTime)
+{
+    if (mustStart.is_ok() && (!m_mustStart.is_ok() || mustStart < m_mustStart))
+        m_mustStart = mustStart;
+    if (plannedStart.is_ok() && (!m_plannedStart.is_ok() || plannedStart < m_plannedStart))
+        m_plannedStart = plannedStart;
+    if (!allocated.empty())
+        m_predicted.add(allocated);
+    if (startSource >= 0 && start.is_ok() && (!m_predStart.is_ok() || m_predStart < start)) {
+        m_predStart = start;
+        m_predStartId = startSource;
+    }
+    if (dueSource >= 0 && due.is_ok() && (!m_predDue.is_ok() || m_predDue < due)) {
+        m_predDue = due;
+        m_predDueId = dueSource;
+    }
+    m_totalPlan = m_planned.duration() + m_predicted.duration();
+    m_predictedTrans = true;
+    m_preTime = preTime;
+    if (due.is_ok() && !allocated.empty() && due < allocated.end())
+        m_problemDate.push_back(due);
 }
 
 } // namespace Tervalon
