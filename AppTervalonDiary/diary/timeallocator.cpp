@@ -26,13 +26,15 @@ void instance_slots(const DiaryEntry& entry, const ZBDateSlot& range, int limit,
     ZBDateSlot window = task ? ZBDateSlot(entry.get_start().calc, entry.get_due().calc) : entry.get_time().calc;
     if (!task && !(window.m_start.is_ok() && window.m_end.is_ok()))
         window = ZBDateSlot(entry.get_start().calc, entry.get_due().calc);
-    if (task && valid(window.m_start) && valid(window.m_end) && window.m_end < window.m_start)
-        std::swap(window.m_start, window.m_end);
     const ZBDateRepeat& repeat = entry.get_repeat();
+    // A task due before its start-after keeps its dates: it is planned late
+    // and shown so, rather than given the user's dates the other way round.
     if (!repeat.is_repeating()) {
         out.push_back(window);
         return;
     }
+    if (task && valid(window.m_start) && valid(window.m_end) && window.m_end < window.m_start)
+        std::swap(window.m_start, window.m_end);
     // The rule needs a dated first instance to step on from.
     ZBDateSlot seed = window;
     const bool noStart = !valid(seed.m_start);
@@ -177,6 +179,14 @@ int TimeAllocator::assign_dependencies(const Diary& diary)
     return ZBErrC_ok;
 }
 
+ZBDate TimeAllocator::must_start(const TimeRequest& request, const ZBDate& due) const
+{
+    const ZBDate date = get_dateset(request).time_before(due, request.m_duration);
+    // Not enough free time before the due: it is late already, so the start
+    // is where the bare length puts it, not the due itself.
+    return date == due && ZBDuration() < request.m_duration ? due - request.m_duration : date;
+}
+
 std::vector<TimeRequest*> TimeAllocator::dependency_order() const
 {
     const size_t n = m_byId.size();
@@ -205,9 +215,7 @@ void TimeAllocator::upgrade_times()
         request->set_isallocated(false);
         if (!(ZBDuration() < request->m_duration) || !valid(request->m_due))
             continue;
-        request->m_mustStart = request->is_task()
-                                   ? get_dateset(*request).time_before(request->m_due, request->m_duration)
-                                   : request->m_startAfter;
+        request->m_mustStart = request->is_task() ? must_start(*request, request->m_due) : request->m_startAfter;
     }
     // Successors before predecessors for dues, the reverse for starts: one
     // sweep each then reaches the fixed point, whatever the list order.
@@ -224,7 +232,7 @@ void TimeAllocator::upgrade_due(TimeRequest& request, const ZBDate& date, int so
         request.m_due = date;
         request.m_dueSource = source;
         if (ZBDuration() < request.m_duration)
-            request.m_mustStart = get_dateset(request).time_before(date, request.m_duration);
+            request.m_mustStart = must_start(request, date);
     }
     if (!push)
         return;

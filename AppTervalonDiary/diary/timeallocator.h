@@ -55,6 +55,8 @@ private:
     // caught in a loop come last, in list order.
     std::vector<TimeRequest*> dependency_order() const;
     bool stopping() const { return m_stopping && m_stopping(); }
+    // The latest start that meets due in the request's free time.
+    ZBDate must_start(const TimeRequest& request, const ZBDate& due) const;
 
     std::vector<std::unique_ptr<TimeRequest>> m_request; // index is the id
     std::vector<TimeRequest*> m_byId;

@@ -154,7 +154,7 @@ TEST(AllocatorGolden, ATaskTooLongForItsDue)
         {"Big", "likelyOverdue", "true"},
         {"Big", "preTime", "14400"},
         {"Big", "idealStart", R"("2026-02-27T13:00:00Z")"},
-        {"Big", "mustStart", R"("2026-03-02T17:00:00Z")"},
+        {"Big", "mustStart", R"("2026-03-02T05:00:00Z")"},
     });
     EXPECT_NE(golden.field("Big", "notifications").find("Delayed: Big"), std::string::npos);
 }

@@ -78,8 +78,8 @@ TEST_F(AllocatorPlan, ATaskTooLongForItsDueRunsPastItAndSaysSo)
     EXPECT_EQ(result.get_problem_dates()[0], at("2-Mar-2026 17:00"));
     // It should have begun on the Friday before.
     EXPECT_EQ(result.get_plannedstart(), at("27-Feb-2026 13:00"));
-    // Not enough time before the due at all: the must-start is the due itself.
-    EXPECT_EQ(result.get_muststart(), at("2-Mar-2026 17:00"));
+    // Not enough time before the due at all: it is late already.
+    EXPECT_EQ(result.get_muststart(), at("2-Mar-2026 05:00"));
     EXPECT_EQ(result.get_pretime(), ZBDuration(4 * 3600));
     EXPECT_TRUE(has_alert(big, "Delayed: "));
 }
