@@ -285,6 +285,13 @@ void TimeRequestSet::stage_swap(ZBDateSet& fixed, int days, bool first)
     const int n = int(list.size());
     if (n < 2)
         return;
+    // Only requests with sessions in the window can change places; the
+    // others (due by then but booked later) still take their time out of
+    // fixed. So the pairs looked at are bounded by what the window holds.
+    std::vector<int> movable;
+    for (int i = 0; i < n; ++i)
+        if (!list[size_t(i)]->m_allocated.empty() && list[size_t(i)]->m_allocated.start() < windowEnd)
+            movable.push_back(i);
     if (first) {
         for (int i = 0; i + 1 < n; ++i) {
             TimeRequest* a = list[size_t(i)];
@@ -292,9 +299,11 @@ void TimeRequestSet::stage_swap(ZBDateSet& fixed, int days, bool first)
                 fixed.subtract(a->m_allocated);
                 continue;
             }
-            for (int j = n - 1; j >= 0; --j) {
-                TimeRequest* b = list[size_t(j)];
-                if (j == i || b->m_allocated.empty() || !(b->m_allocated.start() < a->m_due))
+            if (a->m_allocated.empty() || !(a->m_allocated.start() < windowEnd))
+                continue;
+            for (auto it = movable.rbegin(); it != movable.rend(); ++it) {
+                TimeRequest* b = list[size_t(*it)];
+                if (*it == i || !(b->m_allocated.start() < a->m_due))
                     continue;
                 if (b->can_move_back(fixed))
                     a->swap(*b, window);
@@ -308,7 +317,11 @@ void TimeRequestSet::stage_swap(ZBDateSet& fixed, int days, bool first)
             fixed.subtract(a->m_allocated);
             continue;
         }
-        for (int j = i + 1; j < n; ++j) {
+        if (!(a->m_allocated.start() < windowEnd))
+            continue;
+        for (int j : movable) {
+            if (j <= i)
+                continue;
             TimeRequest* b = list[size_t(j)];
             if (b->m_priority < a->m_priority && b->can_move_back(fixed))
                 a->swap(*b, window);
