@@ -1,3 +1,4 @@
+#include "AppTervalonDiary/diary/entryplan.h"
 #include "AppTervalonDiary/diary/timerequest.h"
 #include "AppTervalonDiary/diary/timerequestset.h"
 
@@ -257,4 +258,43 @@ TEST(AllocatorRequest, SortsBreakTiesByCreationOrder)
     std::vector<TimeRequest*> high = list;
     TimeRequestSet::sort_highest_first(high, &TimeRequest::compare_priority);
     EXPECT_EQ(ids(high), "02431");
+}
+
+// What the planner hands an entry: earliest starts kept, the current
+// instance's dates kept, problem dates only where sessions pass a due.
+TEST(AllocatorRequest, PredictionsAddUpOnTheEntryPlanAndCopyAcross)
+{
+    EntryPlan plan;
+    plan.set_muststart(at("1-Mar-2026 09:00"));
+    EXPECT_EQ(plan.get_muststart(), at("1-Mar-2026 09:00")) << "the quick estimate until the planner delivers";
+    ZBDateSet first;
+    first.add(ZBDateSlot(at("2-Mar-2026 09:00"), at("2-Mar-2026 11:00")), 1);
+    ZBDateSet late;
+    late.add(ZBDateSlot(at("3-Mar-2026 16:00"), at("3-Mar-2026 18:00")), 1);
+    plan.add_predicted(at("2-Mar-2026 09:00"), at("2-Mar-2026 15:00"), first, at("2-Mar-2026 08:00"), 7,
+                       at("2-Mar-2026 17:00"), 8, ZBDuration());
+    plan.add_predicted(at("3-Mar-2026 12:00"), at("2-Mar-2026 14:00"), late, at("3-Mar-2026 08:00"), -1,
+                       at("3-Mar-2026 17:00"), -1, hours(1));
+    EXPECT_TRUE(plan.is_transferred());
+    EXPECT_EQ(plan.get_muststart(), at("2-Mar-2026 14:00"));
+    EXPECT_EQ(plan.get_plannedstart(), at("2-Mar-2026 09:00"));
+    EXPECT_EQ(plan.get_predstart(), at("2-Mar-2026 08:00"));
+    EXPECT_EQ(plan.get_predstart_id(), 7);
+    EXPECT_EQ(plan.get_preddue(), at("2-Mar-2026 17:00"));
+    EXPECT_EQ(plan.get_preddue_id(), 8);
+    EXPECT_EQ(plan.get_pretime(), hours(1));
+    EXPECT_EQ(plan.get_total_plan(), hours(4));
+    ASSERT_EQ(plan.get_problem_dates().size(), 1u);
+    EXPECT_EQ(plan.get_problem_dates()[0], at("3-Mar-2026 17:00"));
+
+    EntryPlan copy;
+    copy.load_predicted(&plan);
+    EXPECT_EQ(copy.get_predicted(), plan.get_predicted());
+    EXPECT_EQ(copy.get_muststart(), plan.get_muststart());
+    EXPECT_EQ(copy.get_problem_dates(), plan.get_problem_dates());
+    plan.clear_predicted(false);
+    EXPECT_FALSE(plan.is_transferred());
+    EXPECT_TRUE(plan.get_predicted().empty());
+    EXPECT_EQ(plan.get_muststart(), at("1-Mar-2026 09:00"));
+    EXPECT_TRUE(plan.get_problem_dates().empty());
 }
