@@ -160,19 +160,23 @@ int TimeAllocator::assign_dependencies(const Diary& diary)
             auto found = byEntry.find(d);
             if (found == byEntry.end() || d == request->m_entryId)
                 continue;
-            for (size_t j : found->second) {
-                TimeRequest* other = m_order[j];
-                if (j < i) {
-                    request->add_depend(other->m_id);
-                    other->add_rdepend(request->m_id);
-                    continue;
-                }
-                // A repeating predecessor is needed up to this one's due.
+            // Of the instances due before this one only the latest is linked:
+            // the series is due in order, and two long series must not make
+            // a link for every pair of instances.
+            const std::vector<size_t>& places = found->second;
+            const auto next = std::lower_bound(places.begin(), places.end(), i);
+            const TimeRequest* lastEarlier = next == places.begin() ? nullptr : m_order[*(next - 1)];
+            // A repeating predecessor is needed up to this one's due.
+            if (next != places.end()) {
+                TimeRequest* other = m_order[*next];
                 if (!valid(other->m_startAfter) || !valid(request->m_due) || other->m_startAfter < request->m_due) {
                     request->add_depend(other->m_id);
                     other->add_rdepend(request->m_id);
                 }
-                break;
+            }
+            if (lastEarlier) {
+                request->add_depend(lastEarlier->m_id);
+                m_byId[size_t(lastEarlier->m_id)]->add_rdepend(request->m_id);
             }
         }
     }
