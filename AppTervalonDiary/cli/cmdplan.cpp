@@ -50,6 +50,41 @@ std::string timetype_name(const Diary& diary, int id)
     }
 }
 
+QJsonArray json_sessions(const ZBDateSet& set)
+{
+    QJsonArray array;
+    for (int i = 0; i < set.size(); ++i) {
+        QJsonArray pair;
+        pair.append(json_date(set[i]->m_start));
+        pair.append(json_date(set[i]->m_end));
+        array.append(pair);
+    }
+    return array;
+}
+
+// What the planner made of the entry.
+void json_plan(const EntryPlan& plan, QJsonObject& object)
+{
+    const ZBDateSet& predicted = plan.get_predicted();
+    object["predicted"] = json_sessions(predicted);
+    object["planned"] = json_sessions(plan.get_planned());
+    object["idealStart"] = json_date(plan.get_plannedstart());
+    object["mustStart"] = json_date(plan.get_muststart());
+    object["predictedStart"] = json_date(predicted.empty() ? ZBDate(ZBDate::E_Blank) : predicted.start());
+    object["predictedEnd"] = json_date(predicted.empty() ? ZBDate(ZBDate::E_Blank) : predicted.end());
+    object["preTime"] = double(plan.get_pretime().get_as_seconds());
+    QJsonArray problems;
+    for (const ZBDate& date : plan.get_problem_dates())
+        problems.append(json_date(date));
+    object["problemDates"] = problems;
+    QJsonArray clashes;
+    for (const std::string& title : plan.get_clash())
+        clashes.append(qstr(title));
+    object["clashes"] = clashes;
+    object["likelyOverdue"] = plan.could_overrun();
+    object["isPlanned"] = plan.get_is_planned();
+}
+
 QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
 {
     const EntryDue& due = entry.get_due_facet();
@@ -85,6 +120,7 @@ QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
         notifications.append(note);
     }
     object["notifications"] = notifications;
+    json_plan(entry.get_plan(), object);
     return object;
 }
 
@@ -111,7 +147,21 @@ std::string text_entry(const Diary& diary, const DiaryEntry& entry)
     for (const ZBNotifyItem& item : entry.get_props().get_notifications())
         if (!item.get_date().is_ok())
             text += " [" + item.get_text() + "]";
-    return text + "\n";
+    text += "\n";
+    // An open task also shows where its work was booked.
+    const ZBDateSet& predicted = entry.get_plan().get_predicted();
+    if (entry.get_derived_entrytype() == 'T' && entry.get_nchildren() == 0 && !entry.is_complete()) {
+        constexpr int shown = 12;
+        std::string sessions;
+        for (int i = 0; i < predicted.size() && i < shown; ++i)
+            sessions += (i ? ", " : "") + text_date(predicted[i]->m_start) + " - "
+                        + predicted[i]->m_end.to_string("%H:%M");
+        if (predicted.size() > shown)
+            sessions += ", ... (" + std::to_string(predicted.size() - shown) + " more)";
+        text += "        Sessions: " + (sessions.empty() ? std::string("none") : sessions)
+                + "; ends " + text_date(predicted.empty() ? ZBDate(ZBDate::E_Blank) : predicted.end()) + "\n";
+    }
+    return text;
 }
 } // namespace
 
@@ -130,6 +180,11 @@ int CmdPlan::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::
     if (json) {
         QJsonObject root;
         root["now"] = qstr(ZBDateUtils::now().to_iso());
+        const ZBDateSlot range = diary->get_settings().get_lookahead_date(false);
+        QJsonObject span;
+        span["start"] = json_date(range.m_start);
+        span["end"] = json_date(range.m_end);
+        root["range"] = span;
         QJsonArray array;
         for (const DiaryEntry* entry : entries)
             array.append(json_entry(*diary, *entry));

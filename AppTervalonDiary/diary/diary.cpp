@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/diary/diary.h"
+#include "AppTervalonDiary/diary/timeallocator.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDate/calendar/zbcalendar.h"
 #include "LibDate/date/zbdateutils.h"
@@ -730,7 +731,21 @@ int Diary::recalculate_entries()
 
 int Diary::full_recalculate()
 {
+    // The entry phases give the planner its dates and priorities; they run
+    // again after it so that its results reach dates, priorities and alerts.
     if (iszbwarn(calculate_dependencies()) || iszbwarn(recalculate(E_RecalcQuick)))
+        return zbpass(ZBLOC);
+    if (iszbwarn(calculate_time_allocation()) || iszbwarn(recalculate(E_RecalcQuick)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int Diary::calculate_time_allocation()
+{
+    TimeAllocator allocator;
+    if (iszbwarn(allocator.start(*this)) || iszbwarn(allocator.allocate(*this)) || iszbwarn(allocator.complete(*this)))
+        return zbpass(ZBLOC);
+    if (iszbwarn(check_clashing()))
         return zbpass(ZBLOC);
     return ZBErrC_ok;
 }

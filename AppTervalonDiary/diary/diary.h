@@ -129,6 +129,9 @@ public:
     static constexpr int C_RecalculatePhases = 6;
     int recalculate_entries();
     int full_recalculate();
+    // The planner's pass: every open task booked into free time, the
+    // predictions written to the entries, then the clashes found.
+    int calculate_time_allocation();
     // The tie-breakers of the priorities, before each pass.
     void calc_priority_order();
     void calc_display_order();

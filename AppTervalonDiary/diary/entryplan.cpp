@@ -32,17 +32,11 @@ int EntryPlan::create_zbobject(ZBObject*& out, const ZBObject* from)
 
 void EntryPlan::set_defaults(bool)
 {
-    m_predicted.clear();
     m_planned.clear();
     m_isPlanned = true;
-    m_predictedTrans = false;
-    m_totalPlan = ZBDuration();
-    m_clash.clear();
-    m_mustStart = ZBDate::C_Blank;
-    m_predDue = ZBDate::C_Blank;
-    m_predDueId = -1;
-    m_problemDate.clear();
     m_likelyOverdue = false;
+    clear_predicted(true);
+    m_derivedMustStart = ZBDate::C_Blank;
 }
 
 void EntryPlan::dump(std::ostream& out, int indent) const
@@ -57,11 +51,74 @@ int EntryPlan::serialise_facet(ZBObject& owner, std::istream* in, std::ostream* 
     return serialise_set(owner, in, out, prefix, "pl", m_planned, version);
 }
 
-void EntryPlan::clear_predicted()
+// ---------------------------------------------------------------- predictions
+
+void EntryPlan::clear_predicted(bool all)
 {
     m_predicted.clear();
     m_predictedTrans = false;
-    m_clash.clear();
+    m_totalPlan = ZBDuration();
+    m_mustStart = ZBDate::C_Blank;
+    m_plannedStart = ZBDate::C_Blank;
+    m_predStart = ZBDate::C_Blank;
+    m_predStartId = -1;
+    m_predDue = ZBDate::C_Blank;
+    m_predDueId = -1;
+    m_preTime = ZBDuration();
+    m_problemDate.clear();
+    if (all)
+        m_clash.clear();
+}
+
+const ZBDate& EntryPlan::get_muststart() const
+{
+    return m_predictedTrans && m_mustStart.is_ok() ? m_mustStart : m_derivedMustStart;
+}
+
+void EntryPlan::load_predicted(const EntryPlan* other)
+{
+    if (!other) {
+        m_predictedTrans = true;
+        m_totalPlan = m_planned.duration() + m_predicted.duration();
+        return;
+    }
+    m_predicted = other->m_predicted;
+    m_plannedStart = other->m_plannedStart;
+    m_mustStart = other->m_mustStart;
+    m_clash = other->m_clash;
+    m_predStart = other->m_predStart;
+    m_predStartId = other->m_predStartId;
+    m_predDue = other->m_predDue;
+    m_predDueId = other->m_predDueId;
+    m_preTime = other->m_preTime;
+    m_problemDate = other->m_problemDate;
+    m_predictedTrans = other->m_predictedTrans;
+    m_totalPlan = m_planned.duration() + m_predicted.duration();
+}
+
+void EntryPlan::add_predicted(const ZBDate& plannedStart, const ZBDate& mustStart, const ZBDateSet& allocated,
+                              const ZBDate& start, int startSource, const ZBDate& due, int dueSource,
+                              const ZBDuration& preTime)
+{
+    if (mustStart.is_ok() && (!m_mustStart.is_ok() || mustStart < m_mustStart))
+        m_mustStart = mustStart;
+    if (plannedStart.is_ok() && (!m_plannedStart.is_ok() || plannedStart < m_plannedStart))
+        m_plannedStart = plannedStart;
+    if (!allocated.empty())
+        m_predicted.add(allocated);
+    if (startSource >= 0 && start.is_ok() && (!m_predStart.is_ok() || m_predStart < start)) {
+        m_predStart = start;
+        m_predStartId = startSource;
+    }
+    if (dueSource >= 0 && due.is_ok() && (!m_predDue.is_ok() || m_predDue < due)) {
+        m_predDue = due;
+        m_predDueId = dueSource;
+    }
+    m_totalPlan = m_planned.duration() + m_predicted.duration();
+    m_predictedTrans = true;
+    m_preTime = preTime;
+    if (due.is_ok() && !allocated.empty() && due < allocated.end())
+        m_problemDate.push_back(due);
 }
 
 } // namespace Tervalon
@@ -346,8 +403,6 @@ void EntryPlan::recalculate_overruns()
 bool EntryPlan::calc_overrun(const DiaryEntry& entry)
 {
     const ZBDate& due = entry.get_due().calc;
-    if (!due.is_ok())
-        return false;
     if (entry.get_nchildren() > 0) {
         for (const DiaryEntry* child : entry.get_children())
             if (!child->is_deleted() && child->get_plan().could_overrun())
@@ -358,6 +413,11 @@ bool EntryPlan::calc_overrun(const DiaryEntry& entry)
         return false;
     const EntryPlan& plan = entry.get_plan();
     const EntryDue& length = entry.get_due_facet();
+    // Work the planner could not book at all (its resource has no time, or
+    // it waits in a loop) is late whether or not it has a due date.
+    if (!due.is_ok())
+        return plan.m_predictedTrans
+               && plan.get_planned().duration() + plan.get_predicted().duration() < length.get_remaining_orig();
     const ZBDate now = ZBDateUtils::now();
     if (!entry.get_repeat().is_repeating()) {
         const ZBDate& end = entry.get_time().calc.m_end;

@@ -27,17 +27,32 @@ public:
     void set_defaults(bool all) override;
 
     const ZBDateSet& get_planned() const { return m_planned; }
-    const ZBDateSet& get_predicted() const { return m_predicted; }
-    ZBDateSet& edit_predicted() { return m_predicted; }
-    void clear_predicted();
     bool get_is_planned() const { return m_isPlanned; }
     void set_is_planned(bool planned) { m_isPlanned = planned; }
     const std::vector<std::string>& get_clash() const { return m_clash; }
     std::vector<std::string>& edit_clash() { return m_clash; }
-    // The latest moment work must begin to meet the due date.
-    const ZBDate& get_muststart() const { return m_mustStart; }
-    void set_muststart(const ZBDate& date) { m_mustStart = date; }
-    // The due date the planner derived, and the entry it came from.
+
+    // ---- What the planner predicted (calculated, never stored).
+    const ZBDateSet& get_predicted() const { return m_predicted; }
+    ZBDateSet& edit_predicted() { return m_predicted; }
+    // Forgets the predictions; with all, the clashes as well.
+    void clear_predicted(bool all = true);
+    // Predictions were delivered since the last clear.
+    bool is_transferred() const { return m_predictedTrans; }
+    // Fixed plans and predicted sessions together.
+    const ZBDuration& get_total_plan() const { return m_totalPlan; }
+    // When work would ideally begin so that everything meets its due.
+    const ZBDate& get_plannedstart() const { return m_plannedStart; }
+    // The latest moment work must begin to meet the due date: the planner's
+    // once it has delivered one, otherwise the quick estimate of the entry
+    // phases (set_muststart).
+    const ZBDate& get_muststart() const;
+    void set_muststart(const ZBDate& date) { m_derivedMustStart = date; }
+    // Work placed after the due that an earlier start could have avoided.
+    const ZBDuration& get_pretime() const { return m_preTime; }
+    // The start-after and due the planner worked to, and the entries they came from.
+    const ZBDate& get_predstart() const { return m_predStart; }
+    int get_predstart_id() const { return m_predStartId; }
     const ZBDate& get_preddue() const { return m_predDue; }
     int get_preddue_id() const { return m_predDueId; }
     void set_preddue(const ZBDate& date, int id)
@@ -45,9 +60,18 @@ public:
         m_predDue = date;
         m_predDueId = id;
     }
-    // Dates the planner could not fit; shown as early warnings.
+    // Instance due dates with sessions past them; shown as early warnings.
     const std::vector<ZBDate>& get_problem_dates() const { return m_problemDate; }
     std::vector<ZBDate>& edit_problem_dates() { return m_problemDate; }
+    // Takes the predictions of the same entry in a finished copy; null: the
+    // copy has no such entry, so only the delivery is recorded.
+    void load_predicted(const EntryPlan* other);
+    // Adds one request's result. Earliest planned and must start are kept;
+    // start and due are kept from the latest request that names a source
+    // (source -1: a later instance, whose dates are its own).
+    void add_predicted(const ZBDate& plannedStart, const ZBDate& mustStart, const ZBDateSet& allocated,
+                       const ZBDate& start, int startSource, const ZBDate& due, int dueSource,
+                       const ZBDuration& preTime);
 
     // ---- Fixed plans: sessions the user booked (or locked from the
     // planner's predictions). Each session's type is the resource it books.
@@ -118,9 +142,15 @@ private:
     bool m_predictedTrans;
     ZBDuration m_totalPlan;
     std::vector<std::string> m_clash;
+    // What the planner predicted.
     ZBDate m_mustStart{ZBDate::E_Blank};
+    ZBDate m_derivedMustStart{ZBDate::E_Blank};
+    ZBDate m_plannedStart{ZBDate::E_Blank};
+    ZBDate m_predStart{ZBDate::E_Blank};
+    int m_predStartId = -1;
     ZBDate m_predDue{ZBDate::E_Blank};
     int m_predDueId = -1;
+    ZBDuration m_preTime;
     std::vector<ZBDate> m_problemDate;
     // Fixed plans.
     bool m_likelyOverdue = false;

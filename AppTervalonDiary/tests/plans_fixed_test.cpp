@@ -30,6 +30,13 @@ protected:
     {
         entry->edit_plan().edit_planned().add(hours(from, to), resource());
     }
+    // Predictions are set by hand here, so only the entry phases run: the
+    // planner would replace them.
+    void plan()
+    {
+        ASSERT_EQ(diary.calculate_dependencies(), ZBErrC_ok);
+        ASSERT_EQ(diary.recalculate(ZBDatabase::E_RecalcQuick), ZBErrC_ok);
+    }
     void predict_hours(DiaryEntry* entry, int from, int to)
     {
         entry->edit_plan().edit_predicted().add(hours(from, to), 0);
