@@ -52,7 +52,6 @@ std::string timetype_name(const Diary& diary, int id)
 
 QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
 {
-    const EntryDue& due = entry.get_due_facet();
     const EntryPriority& priority = entry.get_priority_facet();
     QJsonObject object;
     object["id"] = entry.get_id();
@@ -65,8 +64,8 @@ QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
     object["startSource"] = entry.get_startafter_id();
     object["due"] = json_date(entry.get_due().calc);
     object["dueSource"] = entry.get_due_id();
-    object["duration"] = double(due.get_duration_calc().get_as_seconds());
-    object["remaining"] = double(due.get_remaining_calc().get_as_seconds());
+    object["duration"] = double(entry.get_duration().calc.get_duration().get_as_seconds());
+    object["remaining"] = double(entry.get_duration().calc.get_remaining().get_as_seconds());
     object["priority"] = entry.get_priority().calc;
     object["nonDuePriority"] = priority.get_non_due_priority();
     object["prioritySource"] = entry.get_priority_id();
@@ -102,8 +101,8 @@ std::string text_entry(const Diary& diary, const DiaryEntry& entry)
                   resource_name(diary, entry.get_props().get_resource_calc()).c_str(),
                   timetype_name(diary, entry.get_props().get_timetype_calc()).c_str(),
                   text_date(entry.get_start().calc).c_str(), text_date(entry.get_due().calc).c_str(),
-                  entry.get_due_facet().get_duration_calc().to_string().c_str(),
-                  entry.get_due_facet().get_remaining_calc().to_string().c_str(), entry.get_priority().calc,
+                  entry.get_duration().calc.get_duration().to_string().c_str(),
+                  entry.get_duration().calc.get_remaining().to_string().c_str(), entry.get_priority().calc,
                   entry.get_alert_state());
     std::string text = line;
     if (!entry.is_active())
