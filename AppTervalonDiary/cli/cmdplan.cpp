@@ -63,13 +63,14 @@ QJsonArray json_sessions(const ZBDateSet& set)
 }
 
 // What the planner made of the entry.
-void json_plan(const EntryPlan& plan, QJsonObject& object)
+void json_plan(const DiaryEntry& entry, QJsonObject& object)
 {
+    const EntryPlan& plan = entry.get_plan();
     const ZBDateSet& predicted = plan.get_predicted();
     object["predicted"] = json_sessions(predicted);
     object["planned"] = json_sessions(plan.get_planned());
     object["idealStart"] = json_date(plan.get_plannedstart());
-    object["mustStart"] = json_date(plan.get_muststart());
+    object["mustStart"] = json_date(entry.get_muststart());
     object["predictedStart"] = json_date(predicted.empty() ? ZBDate(ZBDate::E_Blank) : predicted.start());
     object["predictedEnd"] = json_date(predicted.empty() ? ZBDate(ZBDate::E_Blank) : predicted.end());
     object["preTime"] = double(plan.get_pretime().get_as_seconds());
@@ -87,7 +88,6 @@ void json_plan(const EntryPlan& plan, QJsonObject& object)
 
 QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
 {
-    const EntryDue& due = entry.get_due_facet();
     const EntryPriority& priority = entry.get_priority_facet();
     QJsonObject object;
     object["id"] = entry.get_id();
@@ -100,8 +100,8 @@ QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
     object["startSource"] = entry.get_startafter_id();
     object["due"] = json_date(entry.get_due().calc);
     object["dueSource"] = entry.get_due_id();
-    object["duration"] = double(due.get_duration_calc().get_as_seconds());
-    object["remaining"] = double(due.get_remaining_calc().get_as_seconds());
+    object["duration"] = double(entry.get_duration().calc.get_duration().get_as_seconds());
+    object["remaining"] = double(entry.get_duration().calc.get_remaining().get_as_seconds());
     object["priority"] = entry.get_priority().calc;
     object["nonDuePriority"] = priority.get_non_due_priority();
     object["prioritySource"] = entry.get_priority_id();
@@ -120,7 +120,7 @@ QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
         notifications.append(note);
     }
     object["notifications"] = notifications;
-    json_plan(entry.get_plan(), object);
+    json_plan(entry, object);
     return object;
 }
 
@@ -138,8 +138,8 @@ std::string text_entry(const Diary& diary, const DiaryEntry& entry)
                   resource_name(diary, entry.get_props().get_resource_calc()).c_str(),
                   timetype_name(diary, entry.get_props().get_timetype_calc()).c_str(),
                   text_date(entry.get_start().calc).c_str(), text_date(entry.get_due().calc).c_str(),
-                  entry.get_due_facet().get_duration_calc().to_string().c_str(),
-                  entry.get_due_facet().get_remaining_calc().to_string().c_str(), entry.get_priority().calc,
+                  entry.get_duration().calc.get_duration().to_string().c_str(),
+                  entry.get_duration().calc.get_remaining().to_string().c_str(), entry.get_priority().calc,
                   entry.get_alert_state());
     std::string text = line;
     if (!entry.is_active())

@@ -43,10 +43,18 @@ int CmdTree::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::
     Diary* diary = nullptr;
     if (iszbwarn(CliDiary::get_diary(db, diary)) || iszbwarn(diary->recalculate(ZBDatabase::E_RecalcQuick)))
         return report_failure(context, zberrorvalue());
-    // One string and one write: the tree of a large diary is printed in one go.
+    // Written in pieces of some 16 kB, a top-level entry at a time: few
+    // writes, and the text of a large diary is never held whole.
+    const size_t piece = 16 * 1024;
     std::string text;
-    for (int i = 0; i < diary->get_nentries(); ++i)
+    text.reserve(piece + piece / 4);
+    for (int i = 0; i < diary->get_nentries(); ++i) {
         print_entry(text, *diary->get_entry_index(i), 0);
+        if (text.size() >= piece) {
+            context.out << text;
+            text.clear();
+        }
+    }
     context.out << text;
     context.out.flush();
     return 0;

@@ -86,7 +86,7 @@ const char* const DiaryEntry::C_TriggerComplete = "complete";
 const char* const DiaryEntry::C_TriggerReopen = "reopen";
 const char* const DiaryEntry::C_CompactSeparator = "\n---\n";
 
-DiaryEntry::DiaryEntry() : m_children(C_EntryTag)
+DiaryEntry::DiaryEntry()
 {
     DiaryEntry::register_zbobject();
     DiaryEntry::set_defaults(true);
@@ -95,12 +95,12 @@ DiaryEntry::DiaryEntry() : m_children(C_EntryTag)
 
 DiaryEntry::DiaryEntry(const DiaryEntry& other)
     : ZBDEntry(other), m_startSource(other.m_startSource), m_dueSource(other.m_dueSource),
-      m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType), m_props(other.m_props),
+      m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType),
+      m_needRecalculate(other.m_needRecalculate), m_props(other.m_props),
       m_dueFacet(copy_facet(other.m_dueFacet)), m_baseline(copy_facet(other.m_baseline)), m_erepeat(copy_facet(other.m_erepeat)),
       m_oldRepeat(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr), m_priorityFacet(other.m_priorityFacet), m_spent(copy_facet(other.m_spent)),
       m_etime(other.m_etime), m_plan(copy_facet(other.m_plan)), m_depend(copy_facet(other.m_depend)), m_command(copy_facet(other.m_command)),
-      m_needRecalculate(other.m_needRecalculate), m_lastRecalculate(other.m_lastRecalculate),
-      m_timeQuery(other.m_timeQuery), m_planStart(other.m_planStart), m_children(C_EntryTag)
+      m_planStart(other.m_planStart), m_mustStart(other.m_mustStart)
 {
     DiaryEntry::register_zbobject();
     attach_facets();
@@ -129,9 +129,8 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
     m_depend = copy_facet(other.m_depend);
     m_command = copy_facet(other.m_command);
     m_needRecalculate = other.m_needRecalculate;
-    m_lastRecalculate = other.m_lastRecalculate;
-    m_timeQuery = other.m_timeQuery;
     m_planStart = other.m_planStart;
+    m_mustStart = other.m_mustStart;
     attach_facets();
     return *this;
 }
@@ -148,8 +147,20 @@ void DiaryEntry::attach_facets()
     attach_facet(m_plan, this);
     attach_facet(m_depend, this);
     attach_facet(m_command, this);
-    if (!get_container(C_EntryTag))
-        add_container(m_children);
+}
+
+const ZBDBContainer<DiaryEntry>& DiaryEntry::get_children() const
+{
+    static const ZBDBContainer<DiaryEntry> none(C_EntryTag);
+    return m_children ? *m_children : none;
+}
+
+ZBDBContainerBase* DiaryEntry::make_own_container(const std::string& tag)
+{
+    if (m_children || tag != C_EntryTag)
+        return nullptr;
+    m_children.reset(new ZBDBContainer<DiaryEntry>(C_EntryTag));
+    return m_children.get();
 }
 
 const EntryDue& DiaryEntry::get_due_facet() const
@@ -250,6 +261,42 @@ EntryCommand& DiaryEntry::edit_command()
     return *m_command;
 }
 
+const ZBDate& DiaryEntry::get_muststart() const
+{
+    if (m_plan && m_plan->get_muststart().is_ok())
+        return m_plan->get_muststart();
+    return m_mustStart;
+}
+
+const ZBProgress& DiaryEntry::get_total_duration() const
+{
+    return m_dueFacet ? m_dueFacet->get_total_duration() : m_duration.calc;
+}
+
+EntryDue& DiaryEntry::due_pass()
+{
+    if (m_dueFacet)
+        return *m_dueFacet;
+    // One a thread, as the background planner recalculates its own copy.
+    static thread_local std::unique_ptr<EntryDue> shared;
+    if (!shared)
+        shared.reset(new EntryDue());
+    shared->set_defaults(true);
+    shared->attach(this);
+    return *shared;
+}
+
+void DiaryEntry::keep_due_pass(EntryDue& pass, bool withTotal)
+{
+    if (&pass == m_dueFacet.get())
+        return;
+    if (withTotal && pass.get_total_duration() != m_duration.calc) {
+        m_dueFacet.reset(new EntryDue(pass));
+        m_dueFacet->attach(this);
+    }
+    pass.attach(nullptr);
+}
+
 void DiaryEntry::register_zbobject()
 {
     register_objectname("DiaryEntry", &DiaryEntry::create_zbobject);
@@ -281,8 +328,6 @@ void DiaryEntry::set_defaults(bool all)
     m_depend.reset();
     m_command.reset();
     m_needRecalculate = true;
-    m_lastRecalculate = 0;
-    m_timeQuery = ZBDuration();
     m_planStart = ZBDate::C_Blank;
 }
 
@@ -347,8 +392,8 @@ int DiaryEntry::read_older_forms(std::istream* in, const std::string& prefix, in
         std::string details;
         if (serialise_string(in, nullptr, prefix, "ti", title, true) == ZBErrC_ok && m_summary.empty())
             m_summary = title;
-        if (serialise_string(in, nullptr, prefix, "de", details, true) == ZBErrC_ok && m_text.empty())
-            m_text = details;
+        if (serialise_string(in, nullptr, prefix, "de", details, true) == ZBErrC_ok && get_text().empty())
+            set_text(details);
     }
     if (version < C_FirstRecordSlotVersion) {
         ZBCalcPair<ZBDateSlot> slot;
@@ -415,7 +460,7 @@ void DiaryEntry::calc_derived_entrytype()
     char type = m_entryType.orig;
     if (type == 'O' && get_nchildren() > 0) {
         type = get_child_no(0)->get_derived_entrytype();
-        for (const DiaryEntry* child : m_children)
+        for (const DiaryEntry* child : get_children())
             if (child->get_derived_entrytype() != type) {
                 type = 'O';
                 break;
@@ -506,7 +551,7 @@ Diary* DiaryEntry::get_diary() const
 std::vector<int> DiaryEntry::get_child_ids(bool recursive) const
 {
     std::vector<int> ids;
-    for (const DiaryEntry* child : m_children) {
+    for (const DiaryEntry* child : get_children()) {
         ids.push_back(child->get_id());
         if (recursive) {
             std::vector<int> more = child->get_child_ids(true);
@@ -518,7 +563,7 @@ std::vector<int> DiaryEntry::get_child_ids(bool recursive) const
 
 bool DiaryEntry::has_entrytype_child(char letter) const
 {
-    for (const DiaryEntry* child : m_children)
+    for (const DiaryEntry* child : get_children())
         if (child->get_derived_entrytype() == letter || child->has_entrytype_child(letter))
             return true;
     return false;
@@ -526,7 +571,7 @@ bool DiaryEntry::has_entrytype_child(char letter) const
 
 bool DiaryEntry::has_repeating_child() const
 {
-    for (const DiaryEntry* child : m_children)
+    for (const DiaryEntry* child : get_children())
         if (child->get_repeat().is_repeating() || child->has_repeating_child())
             return true;
     return false;
@@ -538,7 +583,7 @@ int DiaryEntry::query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& re
         return ZBErrC_ok;
     if (result.is_managed())
         return zberror(ZBErrC_ArrayEmpty, ZBLOC, "Array is managed, should not be managed...");
-    for (DiaryEntry* child : m_children) {
+    for (DiaryEntry* child : get_children()) {
         if (slot.m_start.is_zero() || slot.within(child->get_etime().get_calc_date().m_start))
             result.push_back(child);
         if (depth > 0)
@@ -561,7 +606,7 @@ bool DiaryEntry::is_active() const
         const ZBDate& start = m_start.calc;
         return start.is_blank() || !(ZBDateUtils::now() < start);
     }
-    for (const DiaryEntry* child : m_children)
+    for (const DiaryEntry* child : get_children())
         if (child->is_active())
             return true;
     return false;
@@ -847,26 +892,26 @@ double folded_priority(const DiaryEntry& entry)
 
 int DiaryEntry::compact(Diary* diary, bool force)
 {
-    for (DiaryEntry* child : std::vector<DiaryEntry*>(m_children.begin(), m_children.end()))
+    for (DiaryEntry* child : std::vector<DiaryEntry*>(get_children().begin(), get_children().end()))
         if (iszbwarn(child->compact(diary, false)))
             return zbpass(ZBLOC);
     if (!is_complete() || !diary)
         return ZBErrC_ok;
     if (m_depend)
         m_depend->clear_depends();
-    for (const DiaryEntry* child : m_children) {
+    for (const DiaryEntry* child : get_children()) {
         const char type = child->get_derived_entrytype();
         if ((!force && is_mandatory_child(*child)) || (type != 'T' && type != 'A') || child->get_preserve())
             return ZBErrC_ok;
     }
     bool grandchild = false;
-    for (const DiaryEntry* child : m_children)
+    for (const DiaryEntry* child : get_children())
         grandchild = grandchild || child->get_nchildren() > 0;
     if (grandchild) {
-        for (DiaryEntry* child : std::vector<DiaryEntry*>(m_children.begin(), m_children.end()))
+        for (DiaryEntry* child : std::vector<DiaryEntry*>(get_children().begin(), get_children().end()))
             if (iszbwarn(child->compact(diary, true)))
                 return zbpass(ZBLOC);
-        for (const DiaryEntry* child : m_children)
+        for (const DiaryEntry* child : get_children())
             if (child->get_nchildren() > 0)
                 return ZBErrC_ok;
     }
@@ -881,10 +926,10 @@ int DiaryEntry::compact(Diary* diary, bool force)
     const ZBDate due = m_due.calc;
     edit_spent().edit_sessions().set_keepduration(true);
     std::vector<int> fold;
-    for (const DiaryEntry* child : m_children) {
+    for (const DiaryEntry* child : get_children()) {
         edit_spent().edit_sessions().add(child->get_spent().get_sessions());
         if (!child->get_text().empty())
-            m_text += C_CompactSeparator + child->get_text();
+            set_text(get_text() + C_CompactSeparator + child->get_text());
         fold.push_back(child->get_id());
     }
     for (int id : fold)
@@ -1047,7 +1092,10 @@ int DiaryEntry::sort_entries(ZBPtrArray<DiaryEntry>& entries, int order)
 int DiaryEntry::recalculate_push_down(Diary* diary)
 {
     DiaryEntry* parent = get_parent_entry();
-    if (iszbwarn(edit_due_facet().recalculate_push_down(parent, diary)))
+    EntryDue& due = due_pass();
+    const int result = due.recalculate_push_down(parent, diary);
+    keep_due_pass(due, false);
+    if (iszbwarn(result))
         return zbpass(ZBLOC);
     int resource = parent ? parent->get_props().get_resource_calc() : m_props.get_resource_orig();
     // A top-level entry left to its parent, or naming a resource that is gone,
@@ -1082,7 +1130,7 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
                 upgrade_active_depend(*diary);
             // A task already past its latest start or its due delays what its
             // resource does until that due.
-            const ZBDate& mustStart = get_plan().get_muststart();
+            const ZBDate& mustStart = get_muststart();
             const ZBDate now = ZBDateUtils::now();
             if (get_nchildren() == 0 && !is_complete() && get_derived_entrytype() == 'T' && m_due.calc.is_ok()
                 && ((mustStart.is_ok() && mustStart <= now) || m_due.calc <= now))
@@ -1093,19 +1141,27 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
         m_priorityFacet.calc_initial_priority(diary);
     }
     if (!all)
-        for (DiaryEntry* child : m_children)
+        for (DiaryEntry* child : get_children())
             if (iszbwarn(child->recalculate(phase, diary, cycle)))
                 return zbpass(ZBLOC);
-    if (phase == 2)
-        edit_due_facet().push_dependencies(diary);
+    if (phase == 2) {
+        EntryDue& due = due_pass();
+        due.push_dependencies(diary);
+        keep_due_pass(due, false);
+    }
     if (phase == 3 || all) {
         calc_derived_entrytype();
-        edit_due_facet().recalculate_start_after();
-        edit_due_facet().recalculate_due();
-        if (iszbwarn(edit_due_facet().recalculate_autocompletion(need)))
+        EntryDue& due = due_pass();
+        due.recalculate_start_after();
+        due.recalculate_due();
+        const int result = due.recalculate_autocompletion(need);
+        if (!iszbwarn(result)) {
+            m_etime.recalculate_date();
+            due.recalculate_duration(need);
+        }
+        keep_due_pass(due, !iszbwarn(result));
+        if (iszbwarn(result))
             return zbpass(ZBLOC);
-        m_etime.recalculate_date();
-        edit_due_facet().recalculate_duration(need);
         // Most entries are planned and keep the shared facet until they are not.
         if (need && (m_plan || !EntryPlan::calc_isplanned(*this)))
             edit_plan().recalculate_isplanned(need);

@@ -106,6 +106,16 @@ public:
     EntryDepend& edit_depend();
     const EntryCommand& get_command() const;
     EntryCommand& edit_command();
+    // The latest moment work must begin to meet the due date: the planner's
+    // when it set one in the plan, else the one the due pass worked out from
+    // the due and the remaining work. Read it here, not from the plan.
+    const ZBDate& get_muststart() const;
+    // The due pass's own answer; it lives on the entry, so that a due does not
+    // make a plan facet.
+    void set_derived_muststart(const ZBDate& date) { m_mustStart = date; }
+    // The progress over every instance of a series: the entry's own calculated
+    // progress unless a repeat with an end makes it more.
+    const ZBProgress& get_total_duration() const;
 
     // Types.
     // The letter as an int, as the record gives it; compare with 'T' and the like.
@@ -121,9 +131,9 @@ public:
     static int get_index_seq(int sequence) { return sequence % C_SeqFactor; }
 
     // Tree.
-    int get_nchildren() const { return m_children.size(); }
-    DiaryEntry* get_child_no(int index) const { return m_children.get(index); }
-    const ZBDBContainer<DiaryEntry>& get_children() const { return m_children; }
+    int get_nchildren() const { return m_children ? m_children->size() : 0; }
+    DiaryEntry* get_child_no(int index) const { return get_children().get(index); }
+    const ZBDBContainer<DiaryEntry>& get_children() const;
     DiaryEntry* get_parent_entry() const;
     Diary* get_diary() const;
     std::vector<int> get_child_ids(bool recursive) const;
@@ -200,9 +210,16 @@ public:
 protected:
     // A rule made for the entry takes the entry's capabilities.
     void prepare_repeat(ZBDateRepeat& rule) override;
+    ZBDBContainerBase* make_own_container(const std::string& tag) override;
 
 private:
     void attach_facets();
+    // The due facet for a pass of recalculation. An entry without one runs the
+    // pass on a shared one (its progress rule is then manual); keep_due_pass
+    // makes that the entry's own only when the series total the pass worked
+    // out (withTotal) differs from the entry's own progress.
+    EntryDue& due_pass();
+    void keep_due_pass(EntryDue& pass, bool withTotal);
     // Fields of older data versions, read into the present ones.
     int read_older_forms(std::istream* in, const std::string& prefix, int version);
     int read_older_repeat(std::istream* in, const std::string& prefix);
@@ -216,6 +233,8 @@ private:
 
     // Facets and planner state, in stream order.
     ZBCalcPair<char> m_entryType;
+    // Held here, in the byte after the type, so that it takes no room of its own.
+    bool m_needRecalculate;
     EntryProperties m_props;
     // The facets that most entries leave at their defaults are made on the
     // first edit; until then get_ gives a shared default one. None of them
@@ -233,12 +252,11 @@ private:
     std::unique_ptr<EntryPlan> m_plan;
     std::unique_ptr<EntryDepend> m_depend;
     std::unique_ptr<EntryCommand> m_command;
-    bool m_needRecalculate;
-    long m_lastRecalculate;
-    ZBDuration m_timeQuery;
     ZBDate m_planStart;
+    ZBDate m_mustStart{ZBDate::E_Blank};
 
-    ZBDBContainer<DiaryEntry> m_children;
+    // Made when the first child arrives: most entries are leaves.
+    std::unique_ptr<ZBDBContainer<DiaryEntry>> m_children;
 };
 
 } // namespace Tervalon

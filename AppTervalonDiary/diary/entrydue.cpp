@@ -319,10 +319,7 @@ int EntryDue::recalculate_push_down(const DiaryEntry* parent, Diary* diary)
     entry->set_due_id(entry->get_id());
     if (parent)
         upgrade_due(parent->get_due().calc, false, diary, parent->get_id());
-    if (m_mustStartDerived) {
-        entry->edit_plan().set_muststart(g_blank);
-        m_mustStartDerived = false;
-    }
+    entry->set_derived_muststart(g_blank);
     return ZBErrC_ok;
 }
 
@@ -401,13 +398,12 @@ void EntryDue::recalculate_due()
         due.set_calc(plan.get_preddue());
         entry->set_due_id(plan.get_preddue_id());
     }
-    if (!entry->get_plan().get_muststart().is_ok() && due.calc.is_ok()) {
+    if (!entry->get_muststart().is_ok() && due.calc.is_ok()) {
         // An appointment's length is its slot, whatever its progress says yet.
         const ZBDateSlot& slot = entry->get_time().orig;
         const bool timed = entry->get_derived_entrytype() == 'A' && slot.m_start.is_ok() && slot.m_end.is_ok();
         const ZBDuration remaining = timed ? slot.get_duration() : entry->get_duration().orig.get_remaining();
-        entry->edit_plan().set_muststart(due.calc - remaining);
-        m_mustStartDerived = true;
+        entry->set_derived_muststart(due.calc - remaining);
     }
 }
 
@@ -477,13 +473,13 @@ void EntryDue::recalculate_duration(bool need)
     // complete; what its children add up to is the calculated side only.
     for (const DiaryEntry* child : entry->get_children()) {
         duration.calc.add_component(child->get_duration().calc);
-        m_totalDuration.add_component(child->get_due_facet().get_total_duration());
+        m_totalDuration.add_component(child->get_total_duration());
     }
 }
 
-ZBDuration EntryDue::get_total_spent(const ZBDate& from) const
+ZBDuration EntryDue::total_spent(const DiaryEntry& entry, const ZBDate& from)
 {
-    const EntrySpent& spent = get_entry()->get_spent();
+    const EntrySpent& spent = entry.get_spent();
     const ZBDate now = ZBDateUtils::now();
     ZBDuration total;
     const ZBDateSet& sessions = spent.get_sessions();

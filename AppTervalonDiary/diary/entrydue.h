@@ -74,7 +74,9 @@ public:
     void recalculate_duration(bool need);
     int recalculate_autocompletion(bool need);
     // Time spent on the entry since from (blank: all), the running session up to now.
-    ZBDuration get_total_spent(const ZBDate& from) const;
+    ZBDuration get_total_spent(const ZBDate& from) const { return total_spent(*get_entry(), from); }
+    // The same for an entry that may have no due facet of its own.
+    static ZBDuration total_spent(const DiaryEntry& entry, const ZBDate& from);
 
 private:
     ZBDate upgrade_start_after(const ZBDate& date, bool push, Diary* diary, int source, int depth);
@@ -86,9 +88,6 @@ private:
     bool count_instances(int& past, int& total) const;
 
     int m_autoProgress;
-    // Whether the entry's must-start was worked out here (and so is redone
-    // each pass) rather than given by the planner.
-    bool m_mustStartDerived = false;
     ZBProgress m_totalDuration;
 };
 

@@ -36,7 +36,6 @@ void EntryPlan::set_defaults(bool)
     m_isPlanned = true;
     m_likelyOverdue = false;
     clear_predicted(true);
-    m_derivedMustStart = ZBDate::C_Blank;
 }
 
 void EntryPlan::dump(std::ostream& out, int indent) const
@@ -68,11 +67,6 @@ void EntryPlan::clear_predicted(bool all)
     m_problemDate.clear();
     if (all)
         m_clash.clear();
-}
-
-const ZBDate& EntryPlan::get_muststart() const
-{
-    return m_predictedTrans && m_mustStart.is_ok() ? m_mustStart : m_derivedMustStart;
 }
 
 void EntryPlan::load_predicted(const EntryPlan* other)

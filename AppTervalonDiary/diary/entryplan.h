@@ -43,11 +43,11 @@ public:
     const ZBDuration& get_total_plan() const { return m_totalPlan; }
     // When work would ideally begin so that everything meets its due.
     const ZBDate& get_plannedstart() const { return m_plannedStart; }
-    // The latest moment work must begin to meet the due date: the planner's
-    // once it has delivered one, otherwise the quick estimate of the entry
-    // phases (set_muststart).
-    const ZBDate& get_muststart() const;
-    void set_muststart(const ZBDate& date) { m_derivedMustStart = date; }
+    // The latest moment work must begin to meet the due date, as the planner
+    // found it; blank until it delivers. DiaryEntry::get_muststart() falls
+    // back to the quick estimate of the entry phases.
+    const ZBDate& get_muststart() const { return m_mustStart; }
+    void set_muststart(const ZBDate& date) { m_mustStart = date; }
     // Work placed after the due that an earlier start could have avoided.
     const ZBDuration& get_pretime() const { return m_preTime; }
     // The start-after and due the planner worked to, and the entries they came from.
@@ -144,7 +144,6 @@ private:
     std::vector<std::string> m_clash;
     // What the planner predicted.
     ZBDate m_mustStart{ZBDate::E_Blank};
-    ZBDate m_derivedMustStart{ZBDate::E_Blank};
     ZBDate m_plannedStart{ZBDate::E_Blank};
     ZBDate m_predStart{ZBDate::E_Blank};
     int m_predStartId = -1;

@@ -202,7 +202,7 @@ void EntryPriority::recalculate_priority(Diary* diary)
     } else {
         const ZBDate& due = entry->get_due().calc;
         const ZBDate& start = entry->get_start().calc;
-        const ZBDate& mustStart = entry->get_plan().get_muststart();
+        const ZBDate& mustStart = entry->get_muststart();
         const bool running = entry->get_spent().has_running_session();
         if (due.is_ok() && due <= now)
             calc += C_PriorityDue + offset;

@@ -135,7 +135,7 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
         ZBDate from = ZBDate::C_Blank;
         if (entry->get_repeat().is_repeating() && entry->get_start().calc.is_ok())
             from = entry->get_start().calc;
-        const ZBDuration used = entry->get_due_facet().get_total_spent(from);
+        const ZBDuration used = EntryDue::total_spent(*entry, from);
         over = used > progress.get_duration();
         const ZBDuration session = now - spent.get_current_session().m_start;
         mayOver = !over && (used - session) + progress.get_remaining() > progress.get_duration() + ZBDuration(10);
@@ -157,7 +157,7 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
     const ZBDate& start = entry->get_start().calc;
     if (!entry->is_complete()) {
         const ZBDate& due = entry->get_due().orig;
-        const ZBDate& mustStart = plan.get_muststart();
+        const ZBDate& mustStart = entry->get_muststart();
         if (due.is_ok() && due <= now)
             m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
         if (appointment && start.is_ok() && start < now && !running)
@@ -190,7 +190,7 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
             else if (now < start)
                 m_notify.emplace_back(Diary::C_NotifyReminder, 400.0, text, id, start);
         } else if (!appointment) {
-            const ZBDate& mustStart = plan.get_muststart();
+            const ZBDate& mustStart = entry->get_muststart();
             if (mustStart.is_ok() && now < mustStart)
                 m_notify.emplace_back(Diary::C_NotifyReminder, 300.0, text, id, mustStart);
             const ZBDate& due = entry->get_due().calc;

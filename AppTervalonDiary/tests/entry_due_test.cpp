@@ -17,7 +17,7 @@ std::string snapshot(const Diary& diary)
             << ' ' << e->get_due_id() << ' ' << e->get_duration().calc << ' ' << e->get_priority().calc << ' '
             << e->get_priority_id() << ' ' << e->get_priority_facet().get_displayorder() << ' '
             << e->get_alert_state() << ' ' << e->get_props().get_notifications().size() << ' '
-            << e->get_plan().get_muststart() << '\n';
+            << e->get_muststart() << '\n';
     return out.str();
 }
 } // namespace
@@ -72,7 +72,7 @@ TEST_F(EntryDueCalc, DatesRippleAlongDependenciesByTheRemainingTime)
     EXPECT_EQ(second->get_due().calc, at("10-Mar-2026 16:00"));
     EXPECT_EQ(first->get_due().calc, at("10-Mar-2026 14:00"));
     // The latest start leaves room for the remaining work.
-    EXPECT_EQ(first->get_plan().get_muststart(), at("10-Mar-2026 10:00"));
+    EXPECT_EQ(first->get_muststart(), at("10-Mar-2026 10:00"));
 }
 
 TEST_F(EntryDueCalc, TwoPassesOnAnUnchangedDiaryGiveTheSameResult)
@@ -210,11 +210,11 @@ TEST_F(EntryDueCalc, ARepeatCountsEveryInstanceInItsTotal)
     ASSERT_EQ(task->edit_repeat().from_string("T=2@N=1"), ZBErrC_ok);
     // Without an end the series has no total: the instance stands alone.
     plan();
-    EXPECT_EQ(task->get_due_facet().get_total_duration().get_duration(), ZBDuration(2 * 3600));
+    EXPECT_EQ(task->get_total_duration().get_duration(), ZBDuration(2 * 3600));
     // The 3rd to the 6th: four instances, only the first partly done.
     task->edit_repeat().set_range_end(at("6-Mar-2026 23:00"), true);
     plan();
-    const ZBProgress& total = task->get_due_facet().get_total_duration();
+    const ZBProgress& total = task->get_total_duration();
     EXPECT_EQ(total.get_duration(), ZBDuration(8 * 3600));
     EXPECT_NEAR(total.get_completion(), 12.5, 1e-9);
 }

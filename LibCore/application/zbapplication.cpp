@@ -7,7 +7,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QHostInfo>
+#include <QSysInfo>
 #include <QStandardPaths>
 
 #include <iostream>
@@ -299,7 +299,7 @@ std::string ZBApplication::get_hostname()
     std::string name = zbparam().get_system_value("Hostname", std::string());
     if (!name.empty() && name != "localhost")
         return name;
-    name = QHostInfo::localHostName().toStdString();
+    name = QSysInfo::machineHostName().toStdString();
     if (name.empty() || name == "localhost") {
         // A machine with no name still needs a stable one, to tell its copies apart.
         const long long seconds = ZBMoment::now().to_micros() / 1000000;

@@ -413,22 +413,10 @@ void set_zberror(ZBError* error)
 
 // ---------------------------------------------------------------- free functions
 
-bool iszberr(int value)
+bool zb_current_severity_above(int level)
 {
-    if (value < 0) {
-        const ZBErrDetails* top = get_zberror().top();
-        return top && top->get_severity() > 2;
-    }
-    return ZBErrDetails::compute_severity(value) > 2;
-}
-
-bool iszbwarn(int value)
-{
-    if (value < 0) {
-        const ZBErrDetails* top = get_zberror().top();
-        return top && top->get_severity() > 0;
-    }
-    return ZBErrDetails::compute_severity(value) > 0;
+    const ZBErrDetails* top = get_zberror().top();
+    return top && top->get_severity() > level;
 }
 
 int zberrorvalue()

@@ -163,9 +163,17 @@ extern int ZBErrC_EnvVar;
 // Allocated after the core table by the parameter store.
 extern int ZBErrC_okNotHandled;
 
-// Value tests. A negative value means "ask the current error".
-bool iszberr(int value);
-bool iszbwarn(int value);
+// Value tests. A negative value means "ask the current error". Inline: every
+// call of the program passes its result through one, mostly an ok value.
+bool zb_current_severity_above(int level);
+inline bool iszberr(int value)
+{
+    return value < 0 ? zb_current_severity_above(2) : value >= 300000 && value <= 499999;
+}
+inline bool iszbwarn(int value)
+{
+    return value < 0 ? zb_current_severity_above(0) : value >= 100000 && value <= 499999;
+}
 int zberrorvalue();
 
 // "LibCore/error/zberror.cpp:12": the source file from the repository's root,

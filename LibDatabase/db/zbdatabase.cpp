@@ -13,7 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHostInfo>
+#include <QSysInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -78,7 +78,7 @@ std::string host_name()
 {
     if (has_zbapplication())
         return zbapplication().get_hostname();
-    return QHostInfo::localHostName().toStdString();
+    return QSysInfo::machineHostName().toStdString();
 }
 
 std::string trim_right(std::string text)

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <mutex>
+#include <unordered_set>
 #include <cstdio>
 #include <ctime>
 #include <sstream>
@@ -85,50 +87,78 @@ private:
     std::unique_ptr<ZBPtrArray<T>> m_array;
 };
 
-// The containers of a node, in the order they were added. Almost every node
-// that has any has one, its class's own, so the first is held in place and
-// only further ones, and the containers made on demand, which the list owns,
-// take arrays of their own.
+// The containers of a node, in the order they were added; the list owns those
+// made on demand. Most nodes of a planner's tree are leaves and have none
+// (an entry makes its own container with its first child), so the list is one
+// pointer until the first container comes.
 class ContainerList {
 public:
-    int size() const { return m_first ? 1 + (m_more ? int(m_more->rest.size()) : 0) : 0; }
-    ZBDBContainerBase* operator[](int index) const { return index == 0 ? m_first : m_more->rest[size_t(index - 1)]; }
-    void push_back(ZBDBContainerBase* container)
-    {
-        if (!m_first)
-            m_first = container;
-        else
-            more().rest.push_back(container);
-    }
+    int size() const { return m_list ? int(m_list->all.size()) : 0; }
+    ZBDBContainerBase* operator[](int index) const { return m_list->all[size_t(index)]; }
+    void push_back(ZBDBContainerBase* container) { list().all.push_back(container); }
     ZBDBContainerBase* adopt(ZBDBContainerBase* container)
     {
-        more().own.emplace_back(container);
+        list().own.emplace_back(container);
         push_back(container);
         return container;
     }
 
 private:
-    struct More {
-        std::vector<ZBDBContainerBase*> rest;
+    struct List {
+        std::vector<ZBDBContainerBase*> all;
         std::vector<std::unique_ptr<ZBDBContainerBase>> own;
     };
-    More& more()
+    List& list()
     {
-        if (!m_more)
-            m_more.reset(new More());
-        return *m_more;
+        if (!m_list)
+            m_list.reset(new List());
+        return *m_list;
     }
 
-    ZBDBContainerBase* m_first = nullptr;
-    std::unique_ptr<More> m_more;
+    std::unique_ptr<List> m_list;
 };
+
+namespace {
+// The tags of containers and roles are few and repeat across every object of
+// a tree, so a node points at one shared copy of each instead of holding two
+// strings of its own. Interned copies are never let go: a file names a
+// handful of tags.
+class SharedTag {
+public:
+    const std::string& get() const { return *m_text; }
+    SharedTag& operator=(const std::string& text)
+    {
+        m_text = text.empty() ? &none() : &intern(text);
+        return *this;
+    }
+    void clear() { m_text = &none(); }
+    // Equal texts share one copy, so the pointers say it.
+    bool operator==(const SharedTag& other) const { return m_text == other.m_text; }
+
+private:
+    static const std::string& none()
+    {
+        static const std::string empty;
+        return empty;
+    }
+    static const std::string& intern(const std::string& text)
+    {
+        static std::mutex lock;
+        static auto* pool = new std::unordered_set<std::string>();
+        std::lock_guard<std::mutex> guard(lock);
+        return *pool->insert(text).first;
+    }
+
+    const std::string* m_text = &none();
+};
+} // namespace
 
 struct ZBDBObject::Node {
     Node() : m_createTime(ZBDate::E_Blank), m_modifyTime(ZBDate::E_Blank) {}
 
     // Stored.
-    std::string m_containerTag;
-    std::string m_memberTag;
+    SharedTag m_containerTag;
+    SharedTag m_memberTag;
     ZBDate m_createTime;
     ZBDate m_modifyTime;
     int m_createID = -1;
@@ -174,7 +204,6 @@ struct ZBDBObject::Extra {
     std::unique_ptr<ZBDBObject> m_backup;
     bool m_created = false;
     std::string m_modifyLoc;
-    int m_alertState = 0;
 
     void copy_stored(const Extra& other)
     {
@@ -182,7 +211,6 @@ struct ZBDBObject::Extra {
         clone_children(other.m_child, m_child);
         m_script = other.m_script;
         m_modifyLoc = other.m_modifyLoc;
-        m_alertState = other.m_alertState;
     }
 };
 
@@ -194,7 +222,7 @@ const char* const ZBDBObject::C_StartupTrigger = "startup";
 
 ZBDBObject::ZBDBObject()
     : m_id(-1), m_parentId(-1), m_specId(-1), m_state(E_Normal), m_objectSerialised(false), m_triggerUpdateVars(false),
-      m_systemChange(false), m_varsChanged(false)
+      m_systemChange(false), m_varsChanged(false), m_alertState(0)
 {
     ZBDBObject::register_zbobject();
 }
@@ -204,7 +232,8 @@ ZBDBObject::ZBDBObject()
 ZBDBObject::ZBDBObject(const ZBDBObject& other)
     : ZBObject(other), ZBUpdateCounter(other), ZBLockable(), m_id(other.m_id), m_parentId(other.m_parentId),
       m_specId(other.m_specId), m_state(other.m_state), m_objectSerialised(other.m_objectSerialised),
-      m_triggerUpdateVars(other.m_triggerUpdateVars), m_systemChange(false), m_varsChanged(other.m_varsChanged)
+      m_triggerUpdateVars(other.m_triggerUpdateVars), m_systemChange(false), m_varsChanged(other.m_varsChanged),
+      m_alertState(other.m_alertState)
 {
     copy_stored(other);
     ZBDBObject::register_zbobject();
@@ -274,6 +303,7 @@ ZBDBObject& ZBDBObject::operator=(const ZBDBObject& other)
     m_specId = other.m_specId;
     m_varsChanged = other.m_varsChanged;
     m_objectSerialised = other.m_objectSerialised;
+    m_alertState = other.m_alertState;
     copy_stored(other);
     return *this;
 }
@@ -303,8 +333,8 @@ void ZBDBObject::dump(std::ostream& out, int indent) const
     dump.add("m_id", m_id);
     dump.add("m_state", m_state);
     dump.add("m_parentId", m_parentId);
-    dump.add_entry("m_containerTag", n.m_containerTag);
-    dump.add_entry("m_memberTag", n.m_memberTag);
+    dump.add_entry("m_containerTag", n.m_containerTag.get());
+    dump.add_entry("m_memberTag", n.m_memberTag.get());
     for (size_t i = 0; i < x.m_link.size(); ++i)
         dump.add("m_link", x.m_link[i], int(i));
     dump.add("m_specId", m_specId);
@@ -333,8 +363,16 @@ int ZBDBObject::serialise(std::istream* in, std::ostream* out, const std::string
     bool oldFlag = false;
     serialise_field<bool>(in, out, prefix, "E", oldFlag, false);
     serialise_field<int>(in, out, prefix, "P", m_parentId, -1);
-    serialise_string(in, out, prefix, "C", n.m_containerTag, true);
-    serialise_string(in, out, prefix, "M", n.m_memberTag, true);
+    {
+        std::string containerTag = n.m_containerTag.get();
+        std::string memberTag = n.m_memberTag.get();
+        serialise_string(in, out, prefix, "C", containerTag, true);
+        serialise_string(in, out, prefix, "M", memberTag, true);
+        if (in) {
+            n.m_containerTag = containerTag;
+            n.m_memberTag = memberTag;
+        }
+    }
     {
         std::vector<ZBDBObjectLink> read;
         std::vector<ZBDBObjectLink>& links = (in || !m_extra) ? read : m_extra->m_link;
@@ -472,12 +510,12 @@ ZBDatabase* ZBDBObject::get_database() const
 
 const std::string& ZBDBObject::get_obj_container_tag() const
 {
-    return node_or_blank().m_containerTag;
+    return node_or_blank().m_containerTag.get();
 }
 
 const std::string& ZBDBObject::get_member_tag() const
 {
-    return node_or_blank().m_memberTag;
+    return node_or_blank().m_memberTag.get();
 }
 
 const ZBDate& ZBDBObject::get_create_time() const
@@ -497,13 +535,12 @@ int ZBDBObject::get_create_id() const
 
 int ZBDBObject::get_alert_state() const
 {
-    return extra_or_blank().m_alertState;
+    return m_alertState;
 }
 
 void ZBDBObject::set_alert_state(int state)
 {
-    if (m_extra || state != 0)
-        extra().m_alertState = state;
+    m_alertState = std::int8_t(std::max(-128, std::min(127, state)));
 }
 
 const std::string& ZBDBObject::get_change_loc() const
@@ -729,7 +766,8 @@ void ZBDBObject::set_parent(ZBDBObject* parent, const std::string& containerTag,
 {
     Node& n = node();
     int parentId = parent ? parent->get_id() : -1;
-    bool changed = parentId != m_parentId || containerTag != n.m_containerTag || memberTag != n.m_memberTag;
+    bool changed = parentId != m_parentId || containerTag != n.m_containerTag.get()
+        || memberTag != n.m_memberTag.get();
     m_parentId = parentId;
     n.m_parent = parent;
     n.m_containerTag = containerTag;
@@ -896,6 +934,10 @@ ZBDBContainerBase* ZBDBObject::get_or_make_container(const std::string& tag)
         return container;
     if (!allow_children())
         return nullptr;
+    if (ZBDBContainerBase* own = make_own_container(tag)) {
+        node().m_containers.push_back(own);
+        return own;
+    }
     return node().m_containers.adopt(new ZBDBContainer<ZBDBObject>(tag));
 }
 

@@ -9,6 +9,7 @@
 #include "LibDatabase/db/zbvariable.h"
 #include "LibDate/date/zbdate.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -204,11 +205,23 @@ public:
     // Containers of children by tag; those a class registers, and others made on demand.
     void add_container(ZBDBContainerBase& container);
     ZBDBContainerBase* get_container(const std::string& tag) const;
+    // The class's own container of that tag when it makes it on demand (see
+    // make_own_container), else a plain one that the object owns.
     ZBDBContainerBase* get_or_make_container(const std::string& tag);
     void remap_container(const std::string& from, const std::string& to);
     void clear_containers();
     int get_ncontainers() const;
     ZBDBContainerBase* get_container_no(int index) const;
+
+protected:
+    // A class whose own container most objects leave empty (a leaf has no
+    // children) makes it here, when the first child arrives, rather than in
+    // its constructor; null when tag is not one of its own.
+    virtual ZBDBContainerBase* make_own_container(const std::string& tag)
+    {
+        (void)tag;
+        return nullptr;
+    }
 
 private:
     // The place of a stored object in its database: the tags, times, variables,
@@ -217,7 +230,7 @@ private:
     // facets) carries none of it.
     struct Node;
     // What few objects ever use: links, managed children, scripts, the edit
-    // backup, the location of the last change and the alert state.
+    // backup and the location of the last change.
     struct Extra;
 
     Node& node();
@@ -239,6 +252,10 @@ private:
     // Set when a variable went away, so that the stored form is rebuilt even
     // when none is left.
     bool m_varsChanged;
+    // How urgent the object's alerts are (a small level, 0 for none). Most
+    // objects of a planner's tree have one, so it sits in the padding here
+    // rather than in the extras.
+    std::int8_t m_alertState;
     std::unique_ptr<Node> m_node;
     std::unique_ptr<Extra> m_extra;
 

@@ -14,6 +14,9 @@ class ZBRepeatConfig;
 // A moment in UTC (year, day of year, second of day, microsecond) and the zone
 // in which it is shown. Blank (year 9999: no date set) and invalid (year 9998:
 // could not be worked out) sort after every real date. Default: invalid.
+// A plain value with no virtual members, like the duration, slot and progress
+// types: a diary entry holds dozens of them, and a table pointer each would
+// cost more than the fields.
 class ZBDate {
 public:
     enum E_DateInit { E_Invalid = 0, E_Zero = 1, E_Blank = 2 };
@@ -54,7 +57,6 @@ public:
     ZBDate(int year, int dayOfYear, int secondOfDay, int micro, int zone);
     ZBDate(int year, int month, int day, int hour, int minute, int second, int micro, int zone);
     explicit ZBDate(const std::string& text, const ZBDate* relative = nullptr, const ZBRepeatConfig* config = nullptr);
-    virtual ~ZBDate() = default;
 
     bool is_zero() const;
     bool is_blank() const;
@@ -117,7 +119,7 @@ public:
     ZBDate& operator-=(const ZBDuration& duration);
     ZBDuration operator-(const ZBDate& other) const;
 
-    virtual void dump(std::ostream& out, int indent) const;
+    void dump(std::ostream& out, int indent) const;
 
 private:
     std::int32_t m_year;

@@ -18,7 +18,6 @@ public:
 
     ZBDateSlot();
     ZBDateSlot(const ZBDate& start, const ZBDate& end, bool sort = false);
-    virtual ~ZBDateSlot() = default;
 
     void set_defaults();
     bool is_ok() const;
@@ -54,7 +53,7 @@ public:
     bool operator!=(const ZBDateSlot& other) const { return !(*this == other); }
     bool operator<(const ZBDateSlot& other) const;
 
-    virtual void dump(std::ostream& out, int indent) const;
+    void dump(std::ostream& out, int indent) const;
 
     ZBDate m_start;
     ZBDate m_end;

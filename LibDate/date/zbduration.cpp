@@ -50,7 +50,7 @@ void ZBDuration::set_duration(std::int64_t days, std::int64_t seconds, std::int3
         if (micro < 0) { micro += C_MicroSecs; seconds -= 1; }
     }
     m_days = days;
-    m_seconds = seconds;
+    m_seconds = std::int32_t(seconds);
     m_micro = micro;
 }
 

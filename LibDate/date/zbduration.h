@@ -13,7 +13,6 @@ public:
     ZBDuration();
     explicit ZBDuration(std::int64_t seconds);
     ZBDuration(std::int64_t days, std::int64_t seconds, std::int32_t micro);
-    virtual ~ZBDuration() = default;
 
     void set_duration(std::int64_t days, std::int64_t seconds, std::int32_t micro);
     std::int64_t get_days() const { return m_days; }
@@ -59,11 +58,12 @@ public:
     bool operator<=(std::int64_t seconds) const { return *this <= ZBDuration(seconds); }
     bool operator>=(std::int64_t seconds) const { return *this >= ZBDuration(seconds); }
 
-    virtual void dump(std::ostream& out, int indent) const;
+    void dump(std::ostream& out, int indent) const;
 
 private:
     std::int64_t m_days;
-    std::int64_t m_seconds;
+    // Always under a day, so that the three parts take 16 bytes.
+    std::int32_t m_seconds;
     std::int32_t m_micro;
 };
 

@@ -12,7 +12,6 @@ namespace Tervalon {
 class ZBProgress {
 public:
     ZBProgress();
-    virtual ~ZBProgress() = default;
 
     // Stores the percentage as the completed part can hold it.
     void set_completion(double percent);
@@ -29,7 +28,7 @@ public:
     bool operator==(const ZBProgress& other) const;
     bool operator!=(const ZBProgress& other) const { return !(*this == other); }
 
-    virtual void dump(std::ostream& out, int indent) const;
+    void dump(std::ostream& out, int indent) const;
 
 private:
     void settle_completed();

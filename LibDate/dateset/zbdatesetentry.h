@@ -25,7 +25,7 @@ public:
     }
     bool operator!=(const ZBDateSetEntry& other) const { return !(*this == other); }
 
-    void dump(std::ostream& out, int indent) const override;
+    void dump(std::ostream& out, int indent) const;
 
     int m_type;
 

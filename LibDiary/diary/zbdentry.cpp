@@ -119,16 +119,16 @@ const std::vector<ZBDEntry::SysQuant>& ZBDEntry::get_sysquants()
 
 ZBDEntry::ZBDEntry()
     : m_start(ZBDate(ZBDate::E_Blank)), m_due(ZBDate(ZBDate::E_Blank)), m_priority(0.0), m_person(-1),
-      m_timeType(-1), m_ackTime(ZBDate::E_Blank), m_bookmark(false), m_preserve(false)
+      m_timeType(-1), m_bookmark(false), m_preserve(false)
 {
     ZBDEntry::register_zbobject();
 }
 
 ZBDEntry::ZBDEntry(const ZBDEntry& other)
-    : ZBDBObject(other), ZBRepeatConfig(other), m_summary(other.m_summary), m_text(other.m_text),
+    : ZBDBObject(other), ZBRepeatConfig(other), m_summary(other.m_summary),
       m_time(other.m_time), m_start(other.m_start), m_due(other.m_due), m_priority(other.m_priority),
-      m_duration(other.m_duration), m_person(other.m_person), m_timeType(other.m_timeType), m_tags(other.m_tags),
-      m_rTags(other.m_rTags), m_ackTime(other.m_ackTime), m_bookmark(other.m_bookmark), m_preserve(other.m_preserve),
+      m_duration(other.m_duration), m_person(other.m_person), m_timeType(other.m_timeType),
+      m_rare(other.m_rare ? new Rare(*other.m_rare) : nullptr), m_bookmark(other.m_bookmark), m_preserve(other.m_preserve),
       m_repeat(other.m_repeat ? new ZBDateRepeat(*other.m_repeat) : nullptr)
 {
 }
@@ -157,6 +157,51 @@ ZBDateRepeat& ZBDEntry::edit_repeat()
     return *m_repeat;
 }
 
+namespace {
+const std::vector<int> g_noTags;
+} // namespace
+
+const std::string g_noText;
+
+const std::vector<int>& ZBDEntry::get_tags() const
+{
+    return m_rare ? m_rare->tags : g_noTags;
+}
+
+const std::vector<int>& ZBDEntry::get_rtags() const
+{
+    return m_rare ? m_rare->rTags : g_noTags;
+}
+
+const std::string& ZBDEntry::get_text() const
+{
+    return m_rare ? m_rare->text : g_noText;
+}
+
+void ZBDEntry::set_text(const std::string& text)
+{
+    if (m_rare || !text.empty())
+        rare().text = text;
+}
+
+const ZBDate& ZBDEntry::get_ack_time() const
+{
+    return m_rare ? m_rare->ackTime : ZBDate::C_Blank;
+}
+
+void ZBDEntry::set_ack_time(const ZBDate& date)
+{
+    if (m_rare || date != ZBDate::C_Blank)
+        rare().ackTime = date;
+}
+
+ZBDEntry::Rare& ZBDEntry::rare()
+{
+    if (!m_rare)
+        m_rare.reset(new Rare());
+    return *m_rare;
+}
+
 // One per thread: a rule's const calls may fill its caches.
 const ZBDateRepeat& ZBDEntry::blank_repeat()
 {
@@ -166,10 +211,10 @@ const ZBDateRepeat& ZBDEntry::blank_repeat()
 
 bool ZBDEntry::operator==(const ZBDEntry& other) const
 {
-    return m_summary == other.m_summary && m_text == other.m_text && m_time == other.m_time
+    return m_summary == other.m_summary && get_text() == other.get_text() && m_time == other.m_time
         && m_start == other.m_start && m_due == other.m_due && m_priority == other.m_priority
         && m_duration == other.m_duration && m_person == other.m_person && m_timeType == other.m_timeType
-        && m_tags == other.m_tags && m_rTags == other.m_rTags && m_ackTime == other.m_ackTime
+        && get_tags() == other.get_tags() && get_rtags() == other.get_rtags() && get_ack_time() == other.get_ack_time()
         && m_bookmark == other.m_bookmark && m_preserve == other.m_preserve && get_repeat() == other.get_repeat()
         && ZBDBObject::operator==(other);
 }
@@ -177,7 +222,6 @@ bool ZBDEntry::operator==(const ZBDEntry& other) const
 void ZBDEntry::clone_values(const ZBDEntry& other)
 {
     m_summary = other.m_summary;
-    m_text = other.m_text;
     m_time = other.m_time;
     m_start = other.m_start;
     m_due = other.m_due;
@@ -185,9 +229,7 @@ void ZBDEntry::clone_values(const ZBDEntry& other)
     m_duration = other.m_duration;
     m_person = other.m_person;
     m_timeType = other.m_timeType;
-    m_tags = other.m_tags;
-    m_rTags = other.m_rTags;
-    m_ackTime = other.m_ackTime;
+    m_rare.reset(other.m_rare && !other.m_rare->empty() ? new Rare(*other.m_rare) : nullptr);
     m_bookmark = other.m_bookmark;
     m_preserve = other.m_preserve;
 }
@@ -196,7 +238,6 @@ void ZBDEntry::clear_values()
 {
     const ZBDate blank(ZBDate::E_Blank);
     m_summary.clear();
-    m_text.clear();
     m_time = ZBCalcPair<ZBDateSlot>();
     m_start = ZBCalcPair<ZBDate>(blank);
     m_due = ZBCalcPair<ZBDate>(blank);
@@ -204,9 +245,7 @@ void ZBDEntry::clear_values()
     m_duration = ZBCalcPair<ZBProgress>();
     m_person = ZBCalcPair<int>(-1);
     m_timeType = ZBCalcPair<int>(-1);
-    m_tags.clear();
-    m_rTags.clear();
-    m_ackTime = blank;
+    m_rare.reset();
     m_bookmark = false;
     m_preserve = false;
     m_repeat.reset();
@@ -216,7 +255,7 @@ void ZBDEntry::dump(std::ostream& out, int indent) const
 {
     ZBDump dump("ZBDEntry", out, indent);
     dump.add_entry("m_summary", m_summary);
-    dump.add_entry("m_text", m_text);
+    dump.add_entry("m_text", get_text());
     dump.add("m_time.orig", m_time.orig);
     dump.add("m_time.calc", m_time.calc);
     dump.add_entry("m_start.orig", m_start.orig.to_iso());
@@ -231,11 +270,11 @@ void ZBDEntry::dump(std::ostream& out, int indent) const
     dump.add("m_person.calc", m_person.calc);
     dump.add("m_timeType.orig", m_timeType.orig);
     dump.add("m_timeType.calc", m_timeType.calc);
-    for (size_t i = 0; i < m_tags.size(); ++i)
-        dump.add("m_tags", m_tags[i], int(i));
-    for (size_t i = 0; i < m_rTags.size(); ++i)
-        dump.add("m_rTags", m_rTags[i], int(i));
-    dump.add_entry("m_ackTime", m_ackTime.to_iso());
+    for (size_t i = 0; i < get_tags().size(); ++i)
+        dump.add("m_tags", get_tags()[i], int(i));
+    for (size_t i = 0; i < get_rtags().size(); ++i)
+        dump.add("m_rTags", get_rtags()[i], int(i));
+    dump.add_entry("m_ackTime", get_ack_time().to_iso());
     dump.add("m_bookmark", m_bookmark);
     dump.add("m_preserve", m_preserve);
     dump.add_entry("m_repeat", get_repeat().to_string());
@@ -270,9 +309,13 @@ int ZBDEntry::serialise_entry(std::istream* in, std::ostream* out, const std::st
         else
             m_repeat.reset(new ZBDateRepeat(rule));
     }
+    // An entry without its rare fields reads them into ones kept from entry to
+    // entry (one a thread), and takes them only when the text held some.
+    static thread_local Rare scratch;
+    Rare& rare = m_rare ? *m_rare : scratch;
     serialise_string(in, out, prefix, "Sm", m_summary, true);
     if (withTextTime) {
-        serialise_string(in, out, prefix, "Tx", m_text, true);
+        serialise_string(in, out, prefix, "Tx", rare.text, true);
         m_time.serialise(*this, in, out, prefix, "Tm", ZBDateSlot());
     }
     m_start.serialise(*this, in, out, prefix, "SA", blank);
@@ -281,11 +324,15 @@ int ZBDEntry::serialise_entry(std::istream* in, std::ostream* out, const std::st
     m_duration.serialise(*this, in, out, prefix, "Dn", ZBProgress());
     m_person.serialise(*this, in, out, prefix, "Ps", -1);
     m_timeType.serialise(*this, in, out, prefix, "TT", -1);
-    ZBSrlValueVector<int> tags(m_tags);
+    ZBSrlValueVector<int> tags(rare.tags);
     serialise_value(in, out, prefix, "Tg", tags);
-    ZBSrlValueVector<int> rTags(m_rTags);
+    ZBSrlValueVector<int> rTags(rare.rTags);
     serialise_value(in, out, prefix, "RT", rTags);
-    serialise_field<ZBDate>(in, out, prefix, "AK", m_ackTime, blank);
+    serialise_field<ZBDate>(in, out, prefix, "AK", rare.ackTime, blank);
+    if (&rare == &scratch && !scratch.empty()) {
+        m_rare.reset(new Rare(std::move(scratch)));
+        scratch = Rare();
+    }
     serialise_field<bool>(in, out, prefix, "BM", m_bookmark, false);
     serialise_field<bool>(in, out, prefix, "PV", m_preserve, false);
     if (iszberr(ZBDBObject::serialise(in, out, prefix, version)))
@@ -349,9 +396,10 @@ void ZBDEntry::apply_note(const ZBDBObject& note)
         text = text.empty() ? details : text + "\n" + details;
     if (text.empty())
         return;
-    if (!m_text.empty() && m_text.back() != '\n')
-        m_text += "\n";
-    m_text += text;
+    std::string& own = rare().text;
+    if (!own.empty() && own.back() != '\n')
+        own += "\n";
+    own += text;
 }
 
 void ZBDEntry::set_time(const ZBDateSlot& slot, bool calculated)
@@ -399,18 +447,18 @@ int ZBDEntry::mark_complete(const ZBDate& date)
     ZBProgress done = m_duration.orig;
     done.set_completion(100.0);
     m_duration.set_orig(done);
-    m_ackTime = date;
+    set_ack_time(date);
     return ZBErrC_ok;
 }
 
 void ZBDEntry::acknowledge()
 {
-    m_ackTime = ZBDateUtils::now();
+    set_ack_time(ZBDateUtils::now());
 }
 
 bool ZBDEntry::is_acknowleged() const
 {
-    return m_ackTime.is_ok();
+    return get_ack_time().is_ok();
 }
 
 std::string ZBDEntry::get_sysvalue(const std::string& tag) const
@@ -425,7 +473,7 @@ std::string ZBDEntry::get_sysvalue(const std::string& tag) const
     if (tag == C_SysTitle)
         return get_summary();
     if (tag == C_SysDetails)
-        return m_text;
+        return get_text();
     if (tag == C_SysChildren) {
         int n = 0;
         if (const ZBDatabase* db = get_database())
@@ -505,7 +553,7 @@ int ZBDEntry::set_sysvalue(const std::string& tag, const std::string& value)
     if (tag == C_SysTitle) {
         m_summary = value;
     } else if (tag == C_SysDetails) {
-        m_text = value;
+        set_text(value);
     } else if (tag == C_SysStartTime || tag == C_SysEndTime || tag == C_SysStartAfter || tag == C_SysDueDate) {
         ZBDate date;
         std::string why;
@@ -544,7 +592,8 @@ int ZBDEntry::set_sysvalue(const std::string& tag, const std::string& value)
 
 bool ZBDEntry::has_tag(int id) const
 {
-    return std::find(m_tags.begin(), m_tags.end(), id) != m_tags.end();
+    const std::vector<int>& tags = get_tags();
+    return std::find(tags.begin(), tags.end(), id) != tags.end();
 }
 
 int ZBDEntry::add_tag(ZBDiary& diary, int id)
@@ -553,9 +602,10 @@ int ZBDEntry::add_tag(ZBDiary& diary, int id)
     if (!other)
         return zberror(ZBDatabase::ZBErrC_ObjectIdNotFound, ZBLOC, "Could not find object ID %d.", id);
     if (!has_tag(id))
-        m_tags.push_back(id);
-    if (std::find(other->m_rTags.begin(), other->m_rTags.end(), get_id()) == other->m_rTags.end()) {
-        other->m_rTags.push_back(get_id());
+        rare().tags.push_back(id);
+    const std::vector<int>& given = other->get_rtags();
+    if (std::find(given.begin(), given.end(), get_id()) == given.end()) {
+        other->rare().rTags.push_back(get_id());
         other->mark_changed(ZBLOC, true);
     }
     return ZBErrC_ok;
@@ -563,9 +613,11 @@ int ZBDEntry::add_tag(ZBDiary& diary, int id)
 
 int ZBDEntry::remove_tag(ZBDiary& diary, int id)
 {
-    m_tags.erase(std::remove(m_tags.begin(), m_tags.end(), id), m_tags.end());
-    if (ZBDEntry* other = diary.get_dentry_id(id)) {
-        auto& reverse = other->m_rTags;
+    if (m_rare)
+        m_rare->tags.erase(std::remove(m_rare->tags.begin(), m_rare->tags.end(), id), m_rare->tags.end());
+    ZBDEntry* other = diary.get_dentry_id(id);
+    if (other && other->m_rare) {
+        auto& reverse = other->m_rare->rTags;
         auto end = std::remove(reverse.begin(), reverse.end(), get_id());
         if (end != reverse.end()) {
             reverse.erase(end, reverse.end());
@@ -581,10 +633,14 @@ bool ZBDEntry::update_tags(const ZBDiary& diary)
         const ZBDBObject* object = diary.get_object_by_id(id);
         return !object || object->is_deleted();
     };
-    const size_t before = m_tags.size() + m_rTags.size();
-    m_tags.erase(std::remove_if(m_tags.begin(), m_tags.end(), gone), m_tags.end());
-    m_rTags.erase(std::remove_if(m_rTags.begin(), m_rTags.end(), gone), m_rTags.end());
-    return m_tags.size() + m_rTags.size() != before;
+    if (!m_rare)
+        return false;
+    std::vector<int>& tags = m_rare->tags;
+    std::vector<int>& rTags = m_rare->rTags;
+    const size_t before = tags.size() + rTags.size();
+    tags.erase(std::remove_if(tags.begin(), tags.end(), gone), tags.end());
+    rTags.erase(std::remove_if(rTags.begin(), rTags.end(), gone), rTags.end());
+    return tags.size() + rTags.size() != before;
 }
 
 int ZBDEntry::remap_id(int from, int to)
@@ -593,8 +649,10 @@ int ZBDEntry::remap_id(int from, int to)
         if (id == from)
             id = to;
     };
-    std::for_each(m_tags.begin(), m_tags.end(), remap);
-    std::for_each(m_rTags.begin(), m_rTags.end(), remap);
+    if (m_rare) {
+        std::for_each(m_rare->tags.begin(), m_rare->tags.end(), remap);
+        std::for_each(m_rare->rTags.begin(), m_rare->rTags.end(), remap);
+    }
     remap(m_person.orig);
     remap(m_person.calc);
     return ZBDBObject::remap_id(from, to);

@@ -114,8 +114,8 @@ public:
 
     std::string get_summary() const override { return m_summary; }
     void set_summary(const std::string& summary) { m_summary = summary; }
-    const std::string& get_text() const { return m_text; }
-    void set_text(const std::string& text) { m_text = text; }
+    const std::string& get_text() const;
+    void set_text(const std::string& text);
     // Appends a quick note's text below the entry's own.
     void apply_note(const ZBDBObject& note);
 
@@ -147,8 +147,8 @@ public:
     virtual void acknowledge();
     // The spelling is kept: callers across the program use this name.
     virtual bool is_acknowleged() const;
-    const ZBDate& get_ack_time() const { return m_ackTime; }
-    void set_ack_time(const ZBDate& date) { m_ackTime = date; }
+    const ZBDate& get_ack_time() const;
+    void set_ack_time(const ZBDate& date);
 
     // The repeat rule: stored only while it repeats. An entry that never had
     // one answers with a shared rule that does not repeat; edit_repeat makes
@@ -175,8 +175,8 @@ public:
     void clone_values(const ZBDEntry& other);
 
     // Tags: ids of other entries, each mirrored by a reverse tag on the other.
-    const std::vector<int>& get_tags() const { return m_tags; }
-    const std::vector<int>& get_rtags() const { return m_rTags; }
+    const std::vector<int>& get_tags() const;
+    const std::vector<int>& get_rtags() const;
     bool has_tag(int id) const;
     int add_tag(ZBDiary& diary, int id);
     int remove_tag(ZBDiary& diary, int id);
@@ -195,7 +195,6 @@ protected:
     static const ZBDateRepeat& blank_repeat();
 
     std::string m_summary;
-    std::string m_text;
     ZBCalcPair<ZBDateSlot> m_time;
     ZBCalcPair<ZBDate> m_start;
     ZBCalcPair<ZBDate> m_due;
@@ -203,9 +202,18 @@ protected:
     ZBCalcPair<ZBProgress> m_duration;
     ZBCalcPair<int> m_person;
     ZBCalcPair<int> m_timeType;
-    std::vector<int> m_tags;
-    std::vector<int> m_rTags;
-    ZBDate m_ackTime;
+    // What most entries leave empty: the details text, the tags the entry
+    // gives and those it is given, and when it was acknowledged. Made on the
+    // first that is set; the getters give the defaults until then.
+    struct Rare {
+        std::string text;
+        std::vector<int> tags;
+        std::vector<int> rTags;
+        ZBDate ackTime{ZBDate::E_Blank};
+        bool empty() const { return text.empty() && tags.empty() && rTags.empty() && ackTime == ZBDate::C_Blank; }
+    };
+    Rare& rare();
+    std::unique_ptr<Rare> m_rare;
     bool m_bookmark;
     bool m_preserve;
     // Made on the first edit or read of a rule: almost no entry repeats, and a

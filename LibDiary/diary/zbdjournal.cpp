@@ -40,7 +40,10 @@ void ZBDJournal::dump(std::ostream& out, int indent) const
 // entry goes under "rp".
 int ZBDJournal::serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version)
 {
-    serialise_string(in, out, prefix, "details", m_text, true);
+    std::string text = get_text();
+    serialise_string(in, out, prefix, "details", text, true);
+    if (in)
+        set_text(text);
     m_time.serialise(*this, in, out, prefix, "date", ZBDateSlot());
     return serialise_entry(in, out, make_ctag(prefix, "rp"), version, false);
 }

@@ -279,7 +279,9 @@ int ZBObject::serialise_value(std::istream* in, std::ostream* out, const std::st
         srl.set_to_default();
     bool found = false;
     for (int i = 0; i < get_nserentries();) {
-        ZBSerialisationEntry* entry = (*m_readEntry)[i];
+        // Positions stay in range here, so the elements are read without the
+        // checked access: this loop runs for every field of every object read.
+        ZBSerialisationEntry* entry = *(m_readEntry->begin() + i);
         if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             if (entry->m_value.find('\\') == std::string::npos)
                 srl.read_text(entry->m_value);
@@ -325,7 +327,9 @@ int ZBObject::serialise_string(std::istream* in, std::ostream* out, const std::s
     // left unread would be written back and win on the next read.
     bool found = false;
     for (int i = 0; i < get_nserentries();) {
-        ZBSerialisationEntry* entry = (*m_readEntry)[i];
+        // Positions stay in range here, so the elements are read without the
+        // checked access: this loop runs for every field of every object read.
+        ZBSerialisationEntry* entry = *(m_readEntry->begin() + i);
         if (entry->m_entryType == ZBSerialisationEntry::E_Field && same_tag(entry->m_tag, ctag)) {
             value = std::move(entry->m_value);
             remove_read_entry(m_readEntry, i);

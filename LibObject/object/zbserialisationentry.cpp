@@ -13,8 +13,15 @@ bool zb_read_line(std::istream& in, std::string& line)
     // getline has taken the line feed; a carriage return may stand anywhere.
     // Nul characters go too: the writer never puts them out, so a tag or
     // class name read with them would come back as another one.
-    static const std::string dropped("\r\0", 2);
-    if (line.find_first_of(dropped) != std::string::npos) {
+    // A plain loop: find_first_of looks each character up in the set with a
+    // call of its own, and every line of a file passes here.
+    bool dropped = false;
+    for (char c : line)
+        if (c == '\r' || c == '\0') {
+            dropped = true;
+            break;
+        }
+    if (dropped) {
         std::string clean;
         clean.reserve(line.size());
         for (char c : line)
