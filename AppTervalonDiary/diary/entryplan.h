@@ -48,6 +48,12 @@ public:
     // Dates the planner could not fit; shown as early warnings.
     const std::vector<ZBDate>& get_problem_dates() const { return m_problemDate; }
     std::vector<ZBDate>& edit_problem_dates() { return m_problemDate; }
+    // ---- Smallest form until the allocator's own arrives; replace whole.
+    // Takes what the planner worked out on a background copy; with none
+    // (the entry is not in the copy), only marks the predictions as delivered.
+    void load_predicted(const EntryPlan* other);
+    bool is_predicted_delivered() const { return m_predictedTrans; }
+    // ---- end of the smallest form.
     // The planned work begins now or has begun, and no session is running.
     bool should_start() const;
     // The planned work ends after the due date.
