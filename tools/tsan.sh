@@ -10,5 +10,5 @@ cmake -S . -B build/tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTERVALON_TESTS=ON -
 cmake --build build/tsan --target thread_tests --parallel "$(nproc)"
 # Qt's own futex locks are hinted to the sanitizer by the wrappers; what Qt
 # does inside itself is not ours to report.
-export TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 ${TSAN_OPTIONS:-}"
+export TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 suppressions=$PWD/tools/tsan.supp ${TSAN_OPTIONS:-}"
 QT_QPA_PLATFORM=offscreen TZ=UTC build/tsan/bin/thread_tests "$@"

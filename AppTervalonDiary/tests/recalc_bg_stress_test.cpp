@@ -50,14 +50,30 @@ TEST_F(RecalcBgStress, EditsDuringBackgroundPassesAreNeverLostNorOverwritten)
     RecalculateMgr& mgr = diary.edit_recalc_mgr();
     const int countBefore = diary.get_recalc_count();
     int loads = 0;
+    auto edit_one = [&]() {
+        DiaryEntry* task = tasks[random() % tasks.size()];
+        const ZBDate due = due_for(int(random() % 2000));
+        task->edit_due().set_orig(due);
+        task->mark_changed(ZBLOC, true);
+        expected[task->get_id()] = due;
+    };
     for (int step = 0; step < 3000; ++step) {
         const int what = int(random() % 100);
-        if (what < 80) {
-            DiaryEntry* task = tasks[random() % tasks.size()];
-            const ZBDate due = due_for(int(random() % 2000));
-            task->edit_due().set_orig(due);
-            task->mark_changed(ZBLOC, true);
-            expected[task->get_id()] = due;
+        if (step % 250 == 125) {
+            // However the timings fall, some passes are loaded while edits go on.
+            hurry();
+            ASSERT_EQ(ZBErrC_ok, mgr.schedule_recalculate(diary)) << "step " << step;
+            ASSERT_TRUE(wait_until([&]() {
+                edit_one();
+                QThread::usleep(random() % 500);
+                return mgr.has_finished();
+            }));
+            const int before = diary.get_recalc_count();
+            ASSERT_EQ(ZBErrC_ok, mgr.load_background(diary)) << "step " << step;
+            loads += diary.get_recalc_count() - before;
+            check_all("after a load while editing");
+        } else if (what < 80) {
+            edit_one();
         } else if (what < 81) {
             // A new entry is a change of structure: a pass running drops its results.
             DiaryEntry* task = add(nullptr, "New " + std::to_string(step));
