@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the tests with AddressSanitizer and
 # UndefinedBehaviorSanitizer, and runs every one through ctest; then replays
-# every kept fuzz input through its target, so a fixed fault stays fixed.
+# every kept fuzz input through its target, so a fixed fault stays fixed;
+# last the threaded tests again, under ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")"
 tools/deps.sh
@@ -12,3 +13,4 @@ cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTERVALON_TESTS=ON -
 cmake --build build/asan --parallel "$(nproc)"
 (cd build/asan && QT_QPA_PLATFORM=offscreen ctest --output-on-failure --parallel "$(nproc)" "$@")
 tools/fuzz.sh --replay
+tools/tsan.sh

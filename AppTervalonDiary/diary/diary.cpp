@@ -35,7 +35,7 @@ std::string Diary::mode_app_type()
 
 Diary::Diary()
     : m_entries(DiaryEntry::C_EntryTag), m_resources(Resource::C_ResourceTag), m_timeTypes(TimeType::C_TimeTypeTag),
-      m_hasPlans(false), m_sessionId(-1)
+      m_hasPlans(false), m_sessionId(-1), m_recalcParent(nullptr), m_recalcCycle(0)
 {
     Diary::register_zbobject();
     add_container(m_entries);
@@ -44,7 +44,11 @@ Diary::Diary()
     set_app_type(mode_app_type());
 }
 
-Diary::~Diary() = default;
+// The thread works on this class's parts; it stops before any of them goes.
+Diary::~Diary()
+{
+    stop_recalc_thread();
+}
 
 void Diary::register_zbobject()
 {
@@ -90,15 +94,18 @@ int Diary::serialise(std::istream* in, std::ostream* out, const std::string& pre
 
 int Diary::initialise(bool created)
 {
-    m_recalcMgr.set_initialising(true);
-    m_recalcMgr.initialise();
+    m_recalcMgr.set_diary_initialising(true);
+    m_recalcMgr.initialise(*this);
     if (iszbwarn(ZBDiary::initialise(created))) {
-        m_recalcMgr.set_initialising(false);
+        m_recalcMgr.set_diary_initialising(false);
         return zbpass(ZBLOC);
     }
+    // An empty lookahead turns planning off; a new file plans a year ahead.
+    if (created && m_settings.get_lookahead().empty())
+        m_settings.set_lookahead(C_DefaultLookahead);
     if (m_resources.size() == 0) {
         if (iszbwarn(add_resource("Default", nullptr))) {
-            m_recalcMgr.set_initialising(false);
+            m_recalcMgr.set_diary_initialising(false);
             return zbpass(ZBLOC);
         }
         complete_operation("Initialise");
@@ -111,7 +118,7 @@ int Diary::initialise(bool created)
         hours = 8.0;
     if (zblocale().get_workhours() != hours)
         update_zblocale([hours](ZBLocale& locale) { locale.set_workhours(hours); });
-    m_recalcMgr.set_initialising(false);
+    m_recalcMgr.set_diary_initialising(false);
     return ZBErrC_ok;
 }
 
@@ -533,9 +540,27 @@ int Diary::delete_timetype(int id)
     return ZBErrC_ok;
 }
 
-void Diary::force_recalculate(bool structure, bool immediate, bool, bool)
+void Diary::force_recalculate(bool avail, bool idle, bool foreground, bool immediate)
 {
-    m_recalcMgr.force_recalculate(structure, immediate);
+    m_recalcMgr.force(avail, idle, false, foreground, immediate);
+}
+
+bool Diary::is_recalc_stopping() const
+{
+    return is_stopping() || (m_recalcParent && m_recalcParent->is_stopping());
+}
+
+void Diary::background_recalculate()
+{
+    m_recalcMgr.background_recalculate(*this);
+}
+
+int Diary::pull_complete()
+{
+    m_recalcMgr.force(true, true, true, false, true);
+    if (iszbwarn(ZBDiary::pull_complete()))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 bool Diary::is_delayed_range(int resource, const ZBDate& date) const
@@ -703,7 +728,7 @@ void Diary::calc_display_order()
 
 int Diary::recalculate_entries()
 {
-    static int cycle = 0;
+    const int cycle = m_recalcCycle;
     m_delayed.clear();
     build_entry_table();
     int result = ZBErrC_ok;
@@ -725,7 +750,7 @@ int Diary::recalculate_entries()
             }
     }
     m_entryTable.clear();
-    ++cycle;
+    ++m_recalcCycle;
     return result;
 }
 
@@ -735,8 +760,12 @@ int Diary::full_recalculate()
     // again after it so that its results reach dates, priorities and alerts.
     if (iszbwarn(calculate_dependencies()) || iszbwarn(recalculate(E_RecalcQuick)))
         return zbpass(ZBLOC);
+    if (is_recalc_stopping())
+        return ZBErrC_ok;
     if (iszbwarn(calculate_time_allocation()) || iszbwarn(recalculate(E_RecalcQuick)))
         return zbpass(ZBLOC);
+    // The views follow a finished pass.
+    m_recalcMgr.force(false, false, true, false, false);
     return ZBErrC_ok;
 }
 
@@ -772,14 +801,25 @@ int Diary::recalculate(E_RecalcLevel level)
         for (int i = 0; i < get_nobjects() && !m_hasPlans; ++i)
             if (DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i)))
                 m_hasPlans = !entry->is_deleted() && !entry->get_plan().get_planned().empty();
+        // With planning off (no lookahead) there is no free time to keep.
+        if (!m_settings.get_lookahead().empty()) {
+            const ZBDateSlot lookahead = m_settings.get_lookahead_date(false);
+            if (iszbwarn(m_recalcMgr.recalculate_available(*this, lookahead.m_start, lookahead.m_end)))
+                return zbpass(ZBLOC);
+        }
         repair_orig_ids();
+        // What the thread finished goes in before the entries are worked over.
+        if (iszbwarn(m_recalcMgr.load_background(*this)))
+            return zbpass(ZBLOC);
         if (iszbwarn(recalculate_entries()))
             return zbpass(ZBLOC);
         calc_display_order();
     }
-    if (level >= E_RecalcFull)
-        m_recalcMgr.done();
-    return ZBDiary::recalculate(level);
+    if (iszbwarn(ZBDiary::recalculate(level)))
+        return zbpass(ZBLOC);
+    if (m_entries.size() > 0 && iszbwarn(m_recalcMgr.schedule_recalculate(*this)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 // ---------------------------------------------------------------- repeating entries

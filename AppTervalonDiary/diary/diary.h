@@ -31,6 +31,8 @@ public:
     static constexpr int C_NotifyReminder = 700;
     static constexpr int C_NotifyClash = 800;
     static constexpr int C_NotifyOverdue = 900;
+    // The planning horizon a new file starts with.
+    static constexpr const char* C_DefaultLookahead = "1 year";
     static int ZBErrC_CircularDependancy;
     static int ZBErrC_InUse;
 
@@ -50,6 +52,8 @@ public:
     int initialise(bool created) override;
     int recalculate(E_RecalcLevel level) override;
     void containers_resolved() override;
+    void background_recalculate() override;
+    int pull_complete() override;
     int create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out) override;
 
     // Makes an entry of a type under parent (null: the top level).
@@ -90,8 +94,19 @@ public:
     const DiarySettings& get_settings() const { return m_settings; }
     DiarySettings& edit_settings() { return m_settings; }
     const RecalculateMgr& get_recalc_mgr() const { return m_recalcMgr; }
-    void force_recalculate(bool structure, bool immediate, bool foreground, bool availability);
+    RecalculateMgr& edit_recalc_mgr() { return m_recalcMgr; }
+    // Asks for a full pass: avail rebuilds the free time, idle counts as the
+    // change a pass waits for, foreground keeps it on this thread, immediate
+    // skips the timers.
+    void force_recalculate(bool avail, bool idle, bool foreground, bool immediate);
     int get_recalc_count() const { return m_recalcMgr.get_recalc_count(); }
+    int get_recalc_state() const { return m_recalcMgr.get_state(); }
+    // A background copy knows the live diary it was taken from, only to ask
+    // whether that diary's thread is stopping.
+    void set_recalculate_parent(const Diary* parent) { m_recalcParent = parent; }
+    const Diary* get_recalculate_parent() const { return m_recalcParent; }
+    // A long pass gives up when this turns true.
+    bool is_recalc_stopping() const;
     int get_session_id() const { return m_sessionId; }
     void set_session_id(int id) { m_sessionId = id; }
     bool has_plans() const { return m_hasPlans; }
@@ -187,6 +202,9 @@ private:
     DiarySettings m_settings;
     int m_sessionId;
     RecalculateMgr m_recalcMgr;
+    const Diary* m_recalcParent;
+    // Counts the entry passes; each entry is refreshed in full once in ten.
+    int m_recalcCycle;
     DiaryImport m_diaryImport;
     std::string m_userData;
     std::map<int, ZBDate> m_delayed;

@@ -1113,7 +1113,6 @@ int DiaryEntry::recalculate_push_down(Diary* diary)
 int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
 {
     const bool all = phase < 0;
-    const bool need = true;
     if (phase == 1 || all) {
         calc_derived_entrytype();
         // The series settles on its instance before its dates are pushed down.
@@ -1144,6 +1143,9 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
         for (DiaryEntry* child : get_children())
             if (iszbwarn(child->recalculate(phase, diary, cycle)))
                 return zbpass(ZBLOC);
+    if (phase == 0)
+        recalculate_recalculate(cycle);
+    const bool need = m_needRecalculate;
     if (phase == 2) {
         EntryDue& due = due_pass();
         due.push_dependencies(diary);
@@ -1172,9 +1174,52 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
         m_priorityFacet.recalculate_priority(diary);
         m_props.update_alerts(diary, false);
         update_first_plan();
-        m_needRecalculate = false;
+        // A new entry is filled in after it is made, often without a mark;
+        // its first pass in the tree does everything again.
+        if (!all)
+            m_needRecalculate = false;
+        m_lastRecalculate = get_last_update();
     }
     return ZBErrC_ok;
+}
+
+void DiaryEntry::recalculate_recalculate(int cycle)
+{
+    if (m_needRecalculate)
+        return;
+    const ZBDateRepeat& rule = get_repeat();
+    const ZBDate& rangeEnd = rule.get_range_end();
+    const char type = get_derived_entrytype();
+    bool need = get_id() % 10 == cycle % 10 || has_changed_since(m_lastRecalculate) || (type == 'T' && !is_complete());
+    if (!need && rule.is_repeating()) {
+        if (type == 'T')
+            need = !rangeEnd.is_ok() || m_due.calc < rangeEnd;
+        else if (type == 'A')
+            need = !rangeEnd.is_ok() || m_etime.get_calc_date().m_end < rangeEnd;
+    }
+    for (int i = 0; !need && i < m_children.size(); ++i)
+        need = m_children.get(i)->m_needRecalculate;
+    m_needRecalculate = need;
+}
+
+void DiaryEntry::load_predicted(const Diary& copy, long stamp)
+{
+    if (!has_changed_since(stamp)) {
+        const DiaryEntry* other = copy.get_entry_id(get_id());
+        if (!other) {
+            edit_plan().load_predicted(nullptr);
+        } else {
+            edit_plan().load_predicted(other->m_plan.get() ? other->m_plan.get() : &other->get_plan());
+            // The planner's start and due, as it pushed them along the dependencies.
+            m_start.calc = other->m_start.calc;
+            m_due.calc = other->m_due.calc;
+            if (other->m_depend || m_depend)
+                edit_depend().upload(other->get_depend());
+        }
+    }
+    for (DiaryEntry* child : m_children)
+        child->load_predicted(copy, stamp);
+    update_first_plan();
 }
 
 void DiaryEntry::update_first_plan()

@@ -191,6 +191,13 @@ public:
     // Dates, resource and time type from the parent; priority reset for the pass.
     int recalculate_push_down(Diary* diary);
     void update_first_plan();
+    // Whether this pass must do the per-entry work in full: a settled entry
+    // skips it except once in ten cycles.
+    void recalculate_recalculate(int cycle);
+    bool get_need_recalculate() const { return m_needRecalculate; }
+    // Takes the background pass's results from the same entry of copy, unless
+    // this entry changed after stamp (then only its children are visited).
+    void load_predicted(const Diary& copy, long stamp);
     const ZBDate& get_plan_start() const { return m_planStart; }
     void set_plan_start(const ZBDate& date) { m_planStart = date; }
 

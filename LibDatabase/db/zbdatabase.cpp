@@ -1,4 +1,5 @@
 #include "LibDatabase/db/zbdatabase.h"
+#include "LibComms/thread/zbmutexlocker.h"
 #include "LibDatabase/db/zbdbparser.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
@@ -88,6 +89,28 @@ std::string trim_right(std::string text)
     return text;
 }
 
+// Holds the background thread off between passes for the length of a save,
+// and leaves a pause the caller set as it was.
+class BackgroundPause {
+public:
+    explicit BackgroundPause(ZBDatabase& db) : m_db(db), m_wasPaused(db.is_background_paused())
+    {
+        if (!m_wasPaused)
+            m_db.pause_background(true);
+    }
+    ~BackgroundPause()
+    {
+        if (!m_wasPaused)
+            m_db.pause_background(false);
+    }
+    BackgroundPause(const BackgroundPause&) = delete;
+    BackgroundPause& operator=(const BackgroundPause&) = delete;
+
+private:
+    ZBDatabase& m_db;
+    bool m_wasPaused;
+};
+
 } // namespace
 
 ZBDatabase::ZBDatabase()
@@ -151,7 +174,7 @@ void ZBDatabase::dump(std::ostream& out, int indent) const
     dump.add_entry("m_writeTime", m_writeTime.to_iso());
     dump.add_entry("m_writeHost", m_writeHost);
     dump.add_entry("m_noteURL", m_noteURL);
-    dump.add("m_pauseBackground", m_pauseBackground);
+    dump.add("m_pauseBackground", is_background_paused());
     dump.write_heading("Base Class");
     dump.write();
     ZBDBObject::dump(out, indent + 1);
@@ -183,14 +206,14 @@ int ZBDatabase::serialise(std::istream* in, std::ostream* out, const std::string
     return ZBDBObject::serialise(in, out, prefix, version);
 }
 
-void ZBDatabase::func()
+int ZBDatabase::func()
 {
-    while (!stopping()) {
-        wait_signal(10000);
-        if (stopping())
+    while (!is_stopping()) {
+        wait_signal(C_RecalcWakeMs);
+        if (is_stopping())
             break;
         {
-            QMutexLocker lock(&m_pauseMutex);
+            ZBMutexLocker lock(m_pauseMutex);
             if (m_pauseBackground)
                 continue;
         }
@@ -200,6 +223,7 @@ void ZBDatabase::func()
             // A background failure goes no further than here; the loop goes on.
         }
     }
+    return ZBErrC_ok;
 }
 
 int ZBDatabase::create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out)
@@ -447,6 +471,7 @@ int ZBDatabase::save(bool, bool, bool)
         return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
     if (m_completeFile.empty())
         return ZBErrC_ok;
+    BackgroundPause pause(*this);
     m_writeTime = ZBDateUtils::now();
     m_writeHost = host_name();
     m_appRelease = running_release().empty() ? m_appRelease : running_release();
@@ -1128,25 +1153,27 @@ int ZBDatabase::complete_operation(const std::string&)
 
 // ---------------------------------------------------------------- background thread
 
-int ZBDatabase::start_recalc_thread(int priority)
+int ZBDatabase::start_recalc_thread(E_ThreadPriority priority)
 {
-    return start(priority);
+    if (iszbwarn(start_thread(priority)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 void ZBDatabase::stop_recalc_thread()
 {
-    stop();
+    stop_thread();
 }
 
 void ZBDatabase::signal_recalc_complete()
 {
-    QMutexLocker lock(&m_recalcMutex);
+    ZBMutexLocker lock(m_recalcMutex);
     m_recalcComplete = true;
 }
 
 bool ZBDatabase::recalc_complete()
 {
-    QMutexLocker lock(&m_recalcMutex);
+    ZBMutexLocker lock(m_recalcMutex);
     bool complete = m_recalcComplete;
     m_recalcComplete = false;
     return complete;
@@ -1155,11 +1182,17 @@ bool ZBDatabase::recalc_complete()
 void ZBDatabase::pause_background(bool pause)
 {
     {
-        QMutexLocker lock(&m_pauseMutex);
+        ZBMutexLocker lock(m_pauseMutex);
         m_pauseBackground = pause;
     }
     if (!pause)
-        signal();
+        signal_thread();
+}
+
+bool ZBDatabase::is_background_paused() const
+{
+    ZBMutexLocker lock(m_pauseMutex);
+    return m_pauseBackground;
 }
 
 // ---------------------------------------------------------------- specs

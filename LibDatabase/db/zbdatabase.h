@@ -61,7 +61,7 @@ public:
     ZBDatabase(const ZBDatabase&) = delete;
     ZBDatabase& operator=(const ZBDatabase&) = delete;
 
-    void func() override;
+    int func() override;
     void dump(std::ostream& out, int indent) const override;
     int serialise(std::istream* in, std::ostream* out, const std::string& prefix, int version) override;
     void register_zbobject() override;
@@ -200,12 +200,20 @@ public:
     const ZBDBChecker& get_checker() const { return m_checker; }
 
     // The background thread.
-    int start_recalc_thread(int priority);
+    // How long the thread sleeps when nobody wakes it.
+    static constexpr int C_RecalcWakeMs = 10000;
+    int start_recalc_thread(E_ThreadPriority priority = E_LowPriority);
+    // Marks the thread to stop, wakes it and waits for it: afterwards nothing
+    // of the background pass runs any more.
     void stop_recalc_thread();
-    void signal_recalc_thread() { signal(); }
+    void signal_recalc_thread() { signal_thread(); }
+    // Set by the thread when results wait; read and cleared by the owner.
     void signal_recalc_complete();
     bool recalc_complete();
+    // Holds the thread off (between passes) while the owner saves, merges or
+    // reloads; resuming wakes it.
     void pause_background(bool pause);
+    bool is_background_paused() const;
 
     // Where intermediate files of a data file go; a stand-in until the saving machinery.
     static std::string get_cache_name(const std::string& name, bool create);
@@ -276,8 +284,8 @@ private:
     void* m_actionMgr;
     bool m_pauseBackground;
     bool m_recalcComplete;
-    QMutex m_recalcMutex;
-    QMutex m_pauseMutex;
+    ZBMutex m_recalcMutex;
+    mutable ZBMutex m_pauseMutex;
     ZBDBChecker m_checker;
 };
 

@@ -16,8 +16,8 @@
 namespace Tervalon {
 
 const ZBDuration ZBDateRepeat::C_DefaultAt(9 * ZBDate::C_HourSecs);
-ZBDateSlot ZBDateRepeat::g_range;
-int ZBDateRepeat::g_limit = 1000;
+thread_local ZBDateSlot ZBDateRepeat::g_range;
+thread_local int ZBDateRepeat::g_limit = 1000;
 
 namespace {
 

@@ -194,10 +194,11 @@ public:
     // Whether a day code reads back as written for the rule's type.
     static bool valid_day(int type, int day);
 
-    // The span and count used when a rule gives no range of its own.
+    // The span and count used when a rule gives no range of its own. Each
+    // thread has its own, so a background plan never sees the live one's.
     static void set_global_range(const ZBDateSlot& slot, int limit);
-    static ZBDateSlot g_range;
-    static int g_limit;
+    static thread_local ZBDateSlot g_range;
+    static thread_local int g_limit;
 
 private:
     // One alternative of a calendar rule's step: a stretch of m_expr, and

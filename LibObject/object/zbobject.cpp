@@ -1,4 +1,5 @@
 #include "LibObject/object/zbobject.h"
+#include "LibObject/object/zbconnectiondata.h"
 #include "LibObject/object/zbdump.h"
 #include "LibObject/object/zbpurgeunhandledscope.h"
 
@@ -36,21 +37,27 @@ std::string strip_prefix(const std::string& tag)
     return plus == std::string::npos ? tag : tag.substr(plus + 1);
 }
 
-ZBObject::ZBObject() : m_connection(nullptr), m_classId(-1)
+ZBObject::ZBObject() : m_classId(-1)
 {
     ZBObject::register_zbobject();
 }
 
 // A copy is of the same class as the original, so it takes the original's class
 // id; a class whose copy constructor registers itself gets the same id again.
-ZBObject::ZBObject(const ZBObject& other) : m_connection(nullptr), m_classId(other.m_classId)
+// Connections stay with the original: a copy starts with none.
+ZBObject::ZBObject(const ZBObject& other) : m_classId(other.m_classId)
 {
     if (other.get_nserentries() > 0)
         m_readEntry.reset(new ZBPtrArray<ZBSerialisationEntry>(*other.m_readEntry));
 }
 
-ZBObject::~ZBObject() = default;
+ZBObject::~ZBObject()
+{
+    if (m_connection)
+        remove_references();
+}
 
+// Assignment copies the data, never the connections: each side keeps its own.
 ZBObject& ZBObject::operator=(const ZBObject& other)
 {
     if (this == &other)
@@ -71,7 +78,8 @@ bool ZBObject::operator==(const ZBObject& other) const
     for (int i = 0; i < mine.size(); ++i)
         if (!(*mine[i] == *theirs[i]))
             return false;
-    return m_connection == other.m_connection;
+    // Connections are not data: two objects with the same fields are equal.
+    return true;
 }
 
 const ZBPtrArray<ZBSerialisationEntry>& ZBObject::read_entries() const
@@ -702,6 +710,117 @@ int ZBObject::selftest_serialisation(bool verbose, int version, std::ostream* re
     if (verbose && report && !iszbwarn(result))
         *report << name << " passed." << std::endl;
     return result;
+}
+
+} // namespace Tervalon
+
+// ---------------------------------------------------------------- signals
+
+namespace Tervalon {
+
+ZBConnectionData& ZBObject::edit_connection_data()
+{
+    if (!m_connection)
+        m_connection.reset(new ZBConnectionData(this));
+    return *m_connection;
+}
+
+// The same connection made twice is kept once, so its slot runs once per emit.
+int ZBObject::add_connection(ZBObject* sender, const ZBConnection& connection)
+{
+    if (!sender)
+        return ZBErrC_ok;
+    ZBConnectionData& out = sender->edit_connection_data();
+    if (out.has_connection(connection))
+        return ZBErrC_ok;
+    out.add_connection(connection);
+    edit_connection_data().add_sender(sender);
+    return ZBErrC_ok;
+}
+
+int ZBObject::connect_signal(ZBObject* sender, const ZBSignalVoid& signal, ZBConnection::VoidSlot slot)
+{
+    return add_connection(sender, ZBConnection(this, signal, slot));
+}
+
+int ZBObject::connect_signal(ZBObject* sender, const ZBSignalInt& signal, ZBConnection::IntSlot slot)
+{
+    return add_connection(sender, ZBConnection(this, signal, slot));
+}
+
+int ZBObject::connect_signal(ZBObject* sender, const ZBSignalObject& signal, ZBConnection::ObjectSlot slot)
+{
+    return add_connection(sender, ZBConnection(this, signal, slot));
+}
+
+void ZBObject::remove_connections(ZBObject* peer)
+{
+    if (!m_connection)
+        return;
+    m_connection->remove_receiver(peer);
+    m_connection->remove_sender(peer);
+}
+
+void ZBObject::remove_references()
+{
+    for (ZBObject* peer : m_connection->get_peers())
+        if (peer != this)
+            peer->remove_connections(this);
+    m_connection.reset();
+}
+
+void ZBObject::block_signals(bool block)
+{
+    edit_connection_data().set_block_signals(block);
+}
+
+bool ZBObject::signals_blocked() const
+{
+    return m_connection && m_connection->get_block_signals();
+}
+
+int ZBObject::emit_signal(const ZBSignalVoid& signal)
+{
+    return emit_connections(signal, 0, nullptr);
+}
+
+int ZBObject::emit_signal(const ZBSignalInt& signal, int value)
+{
+    return emit_connections(signal, value, nullptr);
+}
+
+int ZBObject::emit_signal(const ZBSignalObject& signal, ZBObject* object)
+{
+    return emit_connections(signal, 0, object);
+}
+
+// A slot may connect, disconnect or delete other objects. The connections of
+// the signal are taken first, and each is called only while it still exists,
+// so a receiver deleted by an earlier slot is never reached and a connection
+// made during the emit waits for the next one.
+int ZBObject::emit_connections(const ZBSignal& signal, int value, ZBObject* object)
+{
+    if (!m_connection || m_connection->get_block_signals())
+        return ZBErrC_ok;
+    std::vector<ZBConnection> calls;
+    for (const ZBConnection& connection : m_connection->get_connections())
+        if (connection.get_signal() == &signal)
+            calls.push_back(connection);
+    for (const ZBConnection& call : calls) {
+        if (!m_connection || !m_connection->has_connection(call))
+            continue;
+        ZBObject* receiver = call.get_receiver();
+        int result = ZBErrC_ok;
+        if (call.get_void_slot())
+            result = (receiver->*call.get_void_slot())();
+        else if (call.get_int_slot())
+            result = (receiver->*call.get_int_slot())(value);
+        else if (call.get_object_slot())
+            result = (receiver->*call.get_object_slot())(object);
+        if (iszbwarn(result))
+            return result;
+    }
+    return ZBErrC_ok;
 }
 
 } // namespace Tervalon

@@ -3,6 +3,7 @@
 #include "LibCore/error/zberror.h"
 #include "LibCore/ptrarray/zbptrarray.h"
 #include "LibCore/ptrarray/zbptrarrayindex.h"
+#include "LibObject/object/zbconnection.h"
 #include "LibObject/object/zbobjectindex.h"
 #include "LibObject/object/zbserialisationentry.h"
 #include "LibObject/object/zbsrlvalue.h"
@@ -115,8 +116,38 @@ public:
     static void set_purge_unhandled(bool purge) { G_PurgeUnhandled = purge; }
     static bool get_purge_unhandled() { return G_PurgeUnhandled; }
 
-    ZBConnectionData* get_connection_data() const { return m_connection; }
-    void set_connection_data(ZBConnectionData* data) { m_connection = data; }
+    // Signals. The receiver is the object called; a null sender connects
+    // nothing. A sender calls its slots in the order they were connected, and
+    // the first result that is a warning or worse stops the rest and is
+    // returned, so a listener can veto. Main thread only.
+    int connect_signal(ZBObject* sender, const ZBSignalVoid& signal, ZBConnection::VoidSlot slot);
+    int connect_signal(ZBObject* sender, const ZBSignalInt& signal, ZBConnection::IntSlot slot);
+    int connect_signal(ZBObject* sender, const ZBSignalObject& signal, ZBConnection::ObjectSlot slot);
+    // The same for a slot of a derived class.
+    template <class T>
+    int connect_signal(ZBObject* sender, const ZBSignalVoid& signal, int (T::*slot)())
+    {
+        return connect_signal(sender, signal, static_cast<ZBConnection::VoidSlot>(slot));
+    }
+    template <class T>
+    int connect_signal(ZBObject* sender, const ZBSignalInt& signal, int (T::*slot)(int))
+    {
+        return connect_signal(sender, signal, static_cast<ZBConnection::IntSlot>(slot));
+    }
+    template <class T>
+    int connect_signal(ZBObject* sender, const ZBSignalObject& signal, int (T::*slot)(ZBObject*))
+    {
+        return connect_signal(sender, signal, static_cast<ZBConnection::ObjectSlot>(slot));
+    }
+    // Forgets the connections from this object to peer, and peer as a sender to this one.
+    void remove_connections(ZBObject* peer);
+    int emit_signal(const ZBSignalVoid& signal);
+    int emit_signal(const ZBSignalInt& signal, int value);
+    int emit_signal(const ZBSignalObject& signal, ZBObject* object);
+    // While blocked the object emits nothing; what it would have emitted is not kept.
+    void block_signals(bool block);
+    bool signals_blocked() const;
+    ZBConnectionData* get_connection_data() const { return m_connection.get(); }
 
     // The codes of this class, allocated at start-up.
     static int ZBErrC_ObjectUnknown;
@@ -152,11 +183,18 @@ private:
     ZBPtrArray<ZBSerialisationEntry>& edit_read_entries();
     // Lets go of an array the fields have emptied.
     void drop_empty_entries();
+    ZBConnectionData& edit_connection_data();
+    int add_connection(ZBObject* sender, const ZBConnection& connection);
+    // Tells every sender and receiver to forget this object.
+    void remove_references();
+    // Calls the slots of signal in order; value or object goes to the slot of that shape.
+    int emit_connections(const ZBSignal& signal, int value, ZBObject* object);
 
     // Made on the first read: an object that was never read, or whose every
     // field this version knows, holds none, and an entry holds a dozen objects.
     std::unique_ptr<ZBPtrArray<ZBSerialisationEntry>> m_readEntry;
-    ZBConnectionData* m_connection;
+    // Made on the first connect or block, like the read entries.
+    std::unique_ptr<ZBConnectionData> m_connection;
     int m_classId;
 };
 
