@@ -509,7 +509,9 @@ int ZBDatabase::clean_intermediate(bool keepPartial, bool forceClean)
 
 int ZBDatabase::ensure_base()
 {
-    if (m_readOnly || m_completeFile.empty() || !m_baseFile.empty())
+    // A file not yet written (being created) has no base: its first full
+    // save holds everything and becomes the base.
+    if (m_readOnly || m_completeFile.empty() || !m_baseFile.empty() || !exists(m_completeFile))
         return ZBErrC_ok;
     const std::string base = get_cache_name(m_completeFile, true) + C_BaseExtension;
     if (m_dbIndex.size() > 0 && exists(base)) {
@@ -1735,6 +1737,8 @@ int ZBDatabase::save_partial(const std::string& operation)
     // state to start from.
     if (iszbwarn(ensure_base()))
         return zbpass(ZBLOC);
+    if (m_baseFile.empty())
+        return ZBErrC_ok;
     make_parent(m_partialFile);
     const bool head = m_firstPartialWrite || !has_partial(m_completeFile);
     std::ostringstream text;
@@ -1872,6 +1876,21 @@ int ZBDatabase::load_base()
     restore_update(ownUpdate);
     m_changedIds.clear();
     m_changedOverflow = false;
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::discard_changes()
+{
+    if (!m_isLoaded || m_readOnly || m_completeFile.empty() || !partial_pending())
+        return ZBErrC_ok;
+    std::string text;
+    if (iszbwarn(ensure_base()))
+        return zbpass(ZBLOC);
+    if (!read_whole(m_baseFile, text))
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", m_baseFile.c_str());
+    if (iszbwarn(replace_from_text(text, m_baseFile)))
+        return zbpass(ZBLOC);
+    after_replay();
     return ZBErrC_ok;
 }
 

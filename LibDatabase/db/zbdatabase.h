@@ -256,6 +256,9 @@ public:
     std::string get_redo_operation() const { return m_dbIndex.get_redo_operation(); }
     int undo();
     int redo();
+    // Drops changes not yet closed as an operation: the database goes back to
+    // the state after the last logged step.
+    int discard_changes();
     const ZBDBIndex& get_index() const { return m_dbIndex; }
     const std::string& get_partial_file() const { return m_partialFile; }
     const std::string& get_base_file() const { return m_baseFile; }

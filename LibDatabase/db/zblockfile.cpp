@@ -4,7 +4,8 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QHostInfo>
+#include <QFile>
+#include <QSysInfo>
 #include <QLockFile>
 
 #include <cerrno>
@@ -47,7 +48,7 @@ bool ZBLockFile::held_by_live_process(const std::string& name)
     if (!get_holder(name, pid, host))
         return false;
     // A lock from another machine (a shared folder) cannot be checked: it counts as live.
-    if (!host.empty() && host != QHostInfo::localHostName().toStdString())
+    if (!host.empty() && host != QSysInfo::machineHostName().toStdString())
         return true;
     if (pid <= 0)
         return false;
@@ -57,22 +58,31 @@ bool ZBLockFile::held_by_live_process(const std::string& name)
 int ZBLockFile::lock(const std::string& name, bool removeStale)
 {
     unlock();
+    m_tookOverFrom = 0;
     m_fileName = lock_name(name);
-    QDir().mkpath(QFileInfo(QString::fromStdString(m_fileName)).absolutePath());
-    m_lock.reset(new QLockFile(QString::fromStdString(m_fileName)));
+    const QString lockPath = QString::fromStdString(m_fileName);
+    QDir().mkpath(QFileInfo(lockPath).absolutePath());
+    // A lock file already there is never removed unasked, whoever left it; and
+    // asked, only when its owner is no longer running.
+    if (QFileInfo::exists(lockPath)) {
+        if (!removeStale)
+            return ZBErrC_FileOpen;
+        long long pid = 0;
+        std::string host;
+        get_holder(name, pid, host);
+        if (held_by_live_process(name))
+            return zbwarning(ZBErrC_FileOpen, ZBLOC, "Could not lock %s", name.c_str());
+        QFile::remove(lockPath);
+        m_tookOverFrom = pid > 0 ? pid : -1;
+    }
+    m_lock.reset(new QLockFile(lockPath));
     // No automatic staleness: a long session must never lose its lock.
     m_lock->setStaleLockTime(0);
     if (m_lock->tryLock(0))
         return ZBErrC_ok;
-    if (!removeStale) {
-        m_lock.reset();
-        return ZBErrC_FileOpen;
-    }
-    if (!held_by_live_process(name))
-        m_lock->removeStaleLockFile();
-    if (m_lock->tryLock(0))
-        return ZBErrC_ok;
     m_lock.reset();
+    if (!removeStale)
+        return ZBErrC_FileOpen;
     return zbwarning(ZBErrC_FileOpen, ZBLOC, "Could not lock %s", name.c_str());
 }
 

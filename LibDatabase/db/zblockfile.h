@@ -33,10 +33,14 @@ public:
     // Whether the lock on name is held by a process that is still running on this host.
     static bool held_by_live_process(const std::string& name);
     static std::string lock_name(const std::string& name);
+    // After a lock() that removed a dead owner's lock: that owner's process
+    // id (-1 when the lock did not say); 0 otherwise.
+    long long took_over_from() const { return m_tookOverFrom; }
 
 private:
     std::string m_fileName;
     std::unique_ptr<QLockFile> m_lock;
+    long long m_tookOverFrom = 0;
 };
 
 } // namespace Tervalon
