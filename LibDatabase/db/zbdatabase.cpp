@@ -699,9 +699,11 @@ int ZBDatabase::save(bool push, bool includeManual, bool verifyFile)
         return zbwarnuser(ZBErrC_FileWrite, ZBLOC,
                           "%s was changed by another program since it was opened; it was not overwritten.",
                           file.c_str());
-    // What was changed outside an operation goes to the log first, so that a
+    // With nothing logged yet, the new file simply becomes the base. Otherwise
+    // what was changed outside an operation goes to the log first, so that a
     // replay after this save still finds it.
-    if (!m_baseFile.empty() && iszbwarn(save_partial(std::string())))
+    const bool rebase = m_dbIndex.size() == 0 && !exists(m_partialFile);
+    if (!rebase && !m_baseFile.empty() && iszbwarn(save_partial(std::string())))
         return zbpass(ZBLOC);
     const std::string newName = get_cache_name(file + C_NewExtension, false);
     const std::string oldName = get_cache_name(file + C_OldExtension, false);
@@ -728,7 +730,7 @@ int ZBDatabase::save(bool push, bool includeManual, bool verifyFile)
         remove_file(newName);
         return zbpass(ZBLOC);
     }
-    if (m_baseFile.empty()) {
+    if (m_baseFile.empty() || rebase) {
         const std::string base = get_cache_name(file, true) + C_BaseExtension;
         make_parent(base);
         const std::string& from = m_dbIndex.size() == 0 || !existed ? newName : oldName;
@@ -1740,7 +1742,8 @@ int ZBDatabase::save_partial(const std::string& operation)
     if (m_baseFile.empty())
         return ZBErrC_ok;
     make_parent(m_partialFile);
-    const bool head = m_firstPartialWrite || !has_partial(m_completeFile);
+    struct stat info;
+    const bool head = m_firstPartialWrite || ::stat(m_partialFile.c_str(), &info) != 0 || info.st_size == 0;
     std::ostringstream text;
     if (iszbwarn(write(text, m_lastPartialWrite, head, operation, -1)))
         return zbpass(ZBLOC);

@@ -175,6 +175,9 @@ int ZBDBIndex::mark_save()
 {
     m_lastSave = m_transaction.size();
     m_changedSinceSave = false;
+    // A session that logged nothing leaves no index behind.
+    if (m_lastSave == 0 && !QFile::exists(QString::fromStdString(m_fileName)))
+        return ZBErrC_ok;
     if (iszbwarn(write_index()))
         return zbpass(ZBLOC);
     return ZBErrC_ok;
