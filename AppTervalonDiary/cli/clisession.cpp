@@ -86,17 +86,28 @@ int CliSession::save(CliContext& context)
     if (!m_db || m_db->is_read_only())
         return 0;
     int result = m_db->save(true, true, false);
-    if (iszbwarn(result))
-        return CliCommand::report_failure(context, result);
+    if (iszbwarn(result)) {
+        const int status = CliCommand::report_failure(context, result);
+        // The operations stay in the session's log, for the next load to recover.
+        m_saveFailed = true;
+        context.err << "tervalon: the changes are kept and will be recovered when " << m_db->get_filename()
+                    << " is next opened." << std::endl;
+        return status;
+    }
+    m_saveFailed = false;
     return 0;
 }
 
 void CliSession::close()
 {
     if (m_db) {
-        m_db->unload();
+        // After a failed save the log is left on disk, as a crash would leave
+        // it; otherwise the session's files go with it.
+        if (!(m_saveFailed && m_db->needs_save()))
+            m_db->unload();
         m_db.reset();
     }
+    m_saveFailed = false;
     m_lock.unlock();
 }
 

@@ -39,6 +39,7 @@ public:
 private:
     std::unique_ptr<ZBDatabase> m_db;
     ZBLockFile m_lock;
+    bool m_saveFailed = false;
 };
 
 } // namespace Tervalon

@@ -204,3 +204,20 @@ TEST(ShellWords, QuotesAndBackslashesGroupWords)
         EXPECT_EQ(error, row.error) << row.line;
     }
 }
+
+TEST_F(Shell, WhenTheLastSaveFailsTheChangesAreRecoveredNextTime)
+{
+    // The data file's folder goes read-only for the save: a folder where the
+    // new file cannot be made stands in for it, as it also does for root.
+    const std::string blocker = file + ".new";
+    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(blocker)));
+    CliRun run = shell("add --type T --title Precious\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("the changes are kept"), std::string::npos) << run.err;
+    EXPECT_EQ(titles(), "");
+    ASSERT_TRUE(QDir(QString::fromStdString(blocker)).removeRecursively());
+    run = shell("tree\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("recovered"), std::string::npos) << run.err;
+    EXPECT_EQ(titles(), "Precious;");
+}

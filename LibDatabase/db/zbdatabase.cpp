@@ -1,4 +1,5 @@
 #include "LibDatabase/db/zbdatabase.h"
+#include "LibDatabase/db/zbsavestop.h"
 #include "LibDatabase/db/zbdbparser.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
@@ -433,6 +434,9 @@ std::string file_stamp(const std::string& path)
         + std::to_string(info.st_mtim.tv_nsec) + ":" + std::to_string(info.st_ino);
 }
 
+// A save told to stop after a step leaves the disk as a crash there would.
+int g_saveStop = 0;
+
 // Drops the records a recovered failure left on the error stack.
 void pop_errors(int keep)
 {
@@ -441,6 +445,11 @@ void pop_errors(int keep)
 }
 
 } // namespace
+
+void zb_set_save_stop(int step)
+{
+    g_saveStop = step;
+}
 
 std::string ZBDatabase::get_cache_name(const std::string& name, bool force)
 {
@@ -725,11 +734,15 @@ int ZBDatabase::save(bool push, bool includeManual, bool verifyFile)
     // The old file keeps its name until the new one replaces it in one
     // rename; the ".old" name is a second link to it, so that the data file
     // is never missing, whenever the program stops.
+    if (g_saveStop == 5)
+        return ZBErrC_okShutdown;
     const bool existed = exists(file);
     if (existed && iszbwarn(zb_link_or_copy(file, oldName))) {
         remove_file(newName);
         return zbpass(ZBLOC);
     }
+    if (g_saveStop == 6)
+        return ZBErrC_okShutdown;
     if (m_baseFile.empty() || rebase) {
         const std::string base = get_cache_name(file, true) + C_BaseExtension;
         make_parent(base);
@@ -741,6 +754,8 @@ int ZBDatabase::save(bool push, bool includeManual, bool verifyFile)
         }
         m_baseFile = base;
     }
+    if (g_saveStop == 7)
+        return ZBErrC_okShutdown;
     if (iszbwarn(zb_rename_synced(newName, file))) {
         remove_file(newName);
         remove_file(oldName);
@@ -755,9 +770,15 @@ int ZBDatabase::save(bool push, bool includeManual, bool verifyFile)
             return zbpass(ZBLOC);
         }
     }
+    if (g_saveStop == 9)
+        return ZBErrC_okShutdown;
     rotate_backups();
+    if (g_saveStop == 10)
+        return ZBErrC_okShutdown;
     remove_file(oldName);
     m_fileStamp = file_stamp(file);
+    if (g_saveStop == 11)
+        return ZBErrC_okShutdown;
     m_dbIndex.mark_save();
     m_lastPartialWrite = get_counter(true);
     m_lastFullWrite = m_lastPartialWrite;

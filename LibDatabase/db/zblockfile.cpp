@@ -15,6 +15,7 @@
 namespace Tervalon {
 
 const char* const ZBLockFile::C_LockExtension = ".dblock";
+const char* const ZBLockFile::C_LockedQuestion = "%s is locked by another user.  Do you want to:";
 
 ZBLockFile::ZBLockFile() = default;
 

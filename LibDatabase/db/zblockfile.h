@@ -15,6 +15,8 @@ namespace Tervalon {
 class ZBLockFile {
 public:
     static const char* const C_LockExtension;
+    // What the window asks when the lock is held; the command line says the first part.
+    static const char* const C_LockedQuestion;
 
     ZBLockFile();
     ~ZBLockFile();

@@ -1,5 +1,6 @@
 #include "LibDatabase/tests/undo_support.h"
 #include "LibDatabase/db/zbdbindex.h"
+#include "LibDatabase/db/zbsavestop.h"
 
 #include <QDir>
 #include <QFile>
@@ -217,4 +218,55 @@ TEST_F(UndoRecovery, TheCacheFolderIsNamedFromTheInitialsOfTheFolders)
     EXPECT_EQ(name.substr(name.size() - 6), "/x.zbd");
     // Same initials, different folders: still apart.
     EXPECT_NE(ZBDatabase::get_cache_name("/alpha/beta/x.zbd", true), ZBDatabase::get_cache_name("/ax/bx/x.zbd", true));
+}
+
+namespace {
+// Every save of the scope stops after one step, as a crash there would leave it.
+struct SaveStop {
+    explicit SaveStop(int step) { zb_set_save_stop(step); }
+    ~SaveStop() { zb_set_save_stop(0); }
+};
+} // namespace
+
+TEST_F(UndoRecovery, ACrashAtAnyStepOfASaveLosesNoOperationAndTheFileAlwaysLoads)
+{
+    struct Row { int step; bool newLeft, oldLeft, fileIsNew; };
+    const Row rows[] = {
+        {5, true, false, false},  // the new file written, nothing renamed
+        {6, true, true, false},   // the old file has its second name
+        {7, true, true, false},   // the base made
+        {9, false, true, true},   // the new file in place
+        {10, false, false, true}, // backups rotated: the old file went to .bk0
+        {11, false, false, true}, // all done but the index's record of the save
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.step);
+        const std::string file = path("step" + std::to_string(row.step) + ".zbd");
+        int a = -1, b = -1;
+        make_file(file, &a, &b);
+        crashed_session(file, [&](ZBDatabase& db) {
+            ASSERT_EQ(set_x(db, a, "1", "Before the save"), ZBErrC_ok);
+            SaveStop stop(row.step);
+            ASSERT_EQ(db.save(true, true, false), ZBErrC_okShutdown);
+            ASSERT_EQ(set_x(db, b, "2", "After the save"), ZBErrC_ok);
+        });
+        EXPECT_EQ(Tervalon::Test::file_exists(file + ".new"), row.newLeft);
+        EXPECT_EQ(Tervalon::Test::file_exists(file + ".old"), row.oldLeft);
+        EXPECT_EQ(read_file(file).find("!X=1") != std::string::npos, row.fileIsNew);
+        if (row.newLeft || row.oldLeft) {
+            ZBDatabase plain;
+            EXPECT_TRUE(iszbwarn(plain.load(file, false)));
+            get_zberror().clear_all();
+        }
+        ZBDatabase db;
+        ASSERT_EQ(recover(db, file), ZBErrC_ok);
+        EXPECT_EQ(x_of(db, a), "1");
+        EXPECT_EQ(x_of(db, b), "2");
+        EXPECT_FALSE(Tervalon::Test::file_exists(file + ".new"));
+        EXPECT_FALSE(Tervalon::Test::file_exists(file + ".old"));
+        ASSERT_EQ(db.undo(), ZBErrC_ok);
+        ASSERT_EQ(db.undo(), ZBErrC_ok);
+        EXPECT_EQ(x_of(db, a), "0");
+        db.unload();
+    }
 }
