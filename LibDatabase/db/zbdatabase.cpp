@@ -1922,8 +1922,16 @@ int ZBDatabase::undo()
 {
     if (!m_dbIndex.can_undo())
         return ZBErrC_ok;
-    if (iszbwarn(save_partial(std::string())) || iszbwarn(m_dbIndex.undo()) || iszbwarn(load_base()))
+    if (iszbwarn(save_partial(std::string())) || iszbwarn(m_dbIndex.undo()))
         return zbpass(ZBLOC);
+    if (iszbwarn(load_base())) {
+        // The database is as it was, and so is the log: the step stays done,
+        // and a new operation must not abandon it.
+        const int errors = get_zberror().get_nerrors();
+        m_dbIndex.redo();
+        pop_errors(errors);
+        return zbpass(ZBLOC);
+    }
     after_replay();
     return ZBErrC_ok;
 }
@@ -1932,8 +1940,14 @@ int ZBDatabase::redo()
 {
     if (!m_dbIndex.can_redo())
         return ZBErrC_ok;
-    if (iszbwarn(save_partial(std::string())) || iszbwarn(m_dbIndex.redo()) || iszbwarn(load_base()))
+    if (iszbwarn(save_partial(std::string())) || iszbwarn(m_dbIndex.redo()))
         return zbpass(ZBLOC);
+    if (iszbwarn(load_base())) {
+        const int errors = get_zberror().get_nerrors();
+        m_dbIndex.undo();
+        pop_errors(errors);
+        return zbpass(ZBLOC);
+    }
     after_replay();
     return ZBErrC_ok;
 }

@@ -184,6 +184,9 @@ TEST_F(UndoTransactions, UndoWithTheScratchFilesGoneOrDamagedChangesNothingInMem
         get_zberror().clear_all();
         EXPECT_EQ(db.get_nobjects(), 2) << damage;
         EXPECT_EQ(x_of(db, a), "1") << damage;
+        // The step is still done, so a new operation cannot abandon it.
+        EXPECT_EQ(db.get_undo_operation(), "Edit") << damage;
+        EXPECT_FALSE(db.can_redo()) << damage;
         db.unload();
     }
 }
