@@ -9,11 +9,18 @@ namespace Tervalon {
 class ZBDatabase;
 
 // A command on one data file, named by its first argument. Opening reads the
-// whole file; a command that writes saves through a temporary file, so the
-// file on disk is either the old one or the new one, never half of each.
+// whole file; a command that writes holds the file's lock, recovers what a
+// crashed session left (unless given --discard-partial), makes its change as
+// one named undo step in the partial file, and saves through the database's
+// full save, so the file on disk is either the old one or the new one.
 class CliFileCommand : public CliCommand {
 public:
     int run(CliContext& context) override;
+    // The command on a database already open (a shell session): the argument
+    // check, run_on, and, for a command that writes, the close of its step.
+    int run_open(CliContext& context, ZBDatabase& db, const std::vector<std::string>& args);
+    // The name of the command's undo step, for changes it did not close itself.
+    virtual std::string undo_name() const;
 
 protected:
     // The work on the open database; the file argument is already taken off.

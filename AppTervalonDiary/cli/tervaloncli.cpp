@@ -23,6 +23,9 @@
 #include "AppTervalonDiary/cli/cmdrepeat.h"
 #include "AppTervalonDiary/cli/cmdspec.h"
 #include "AppTervalonDiary/cli/cmdrewrite.h"
+#include "AppTervalonDiary/cli/cmdshell.h"
+#include "AppTervalonDiary/cli/cmdsnapshots.h"
+#include "AppTervalonDiary/cli/cmdrestore.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
@@ -60,6 +63,9 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdAlerts()));
     add_command(std::unique_ptr<CliCommand>(new CmdLock(true)));
     add_command(std::unique_ptr<CliCommand>(new CmdLock(false)));
+    add_command(std::unique_ptr<CliCommand>(new CmdShell(*this)));
+    add_command(std::unique_ptr<CliCommand>(new CmdSnapshots()));
+    add_command(std::unique_ptr<CliCommand>(new CmdRestore()));
 }
 
 TervalonCli::~TervalonCli() = default;
@@ -67,6 +73,14 @@ TervalonCli::~TervalonCli() = default;
 void TervalonCli::add_command(std::unique_ptr<CliCommand> command)
 {
     m_command.push_back(std::move(command));
+}
+
+std::vector<CliCommand*> TervalonCli::commands() const
+{
+    std::vector<CliCommand*> out;
+    for (const auto& command : m_command)
+        out.push_back(command.get());
+    return out;
 }
 
 CliCommand* TervalonCli::find(const std::string& name) const

@@ -24,6 +24,9 @@ public:
     int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
     void print_usage(std::ostream& out) const;
+    // A command by its name, or null; and all of them in order.
+    CliCommand* find_command(const std::string& name) const { return find(name); }
+    std::vector<CliCommand*> commands() const;
     static void print_version(std::ostream& out);
 
 private:

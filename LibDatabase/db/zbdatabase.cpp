@@ -1,9 +1,14 @@
 #include "LibDatabase/db/zbdatabase.h"
 #include "LibComms/thread/zbmutexlocker.h"
+#include "LibDatabase/db/zbsavestop.h"
 #include "LibDatabase/db/zbdbparser.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
 #include "LibCore/application/zbapplication.h"
+#include "LibCore/application/zbappstatussetter.h"
+#include "LibCore/fileutils/zbfileutils.h"
+#include "LibCore/fileutils/zbsyncfile.h"
+#include "LibCore/param/zbparam.h"
 #include "LibDate/date/zbdateutils.h"
 #include "LibDate/date/zbdateparser.h"
 #include "LibObject/object/zbdump.h"
@@ -11,6 +16,7 @@
 
 #include <QCryptographicHash>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -24,6 +30,10 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <unordered_map>
+#include <unordered_set>
+
+#include <sys/stat.h>
 
 namespace Tervalon {
 
@@ -43,6 +53,14 @@ const char* const ZBDatabase::C_DefaultChildName = "Object";
 const char* const ZBDatabase::C_QueryTag = "QU";
 const char* const ZBDatabase::C_NoteTag = "NO";
 const char* const ZBDatabase::C_SystemReference = "SYSTEM";
+const char* const ZBDatabase::C_NewExtension = ".new";
+const char* const ZBDatabase::C_OldExtension = ".old";
+const char* const ZBDatabase::C_PartialExtension = ".bpu";
+const char* const ZBDatabase::C_BaseExtension = ".zbdbbase";
+const char* const ZBDatabase::C_IndexExtension = ".zbdbindex";
+const char* const ZBDatabase::C_LastKnownGood = ".lkg";
+const char* const ZBDatabase::C_SnapshotKeep = ".bkc";
+const char* const ZBDatabase::C_BakExtension = ".bak";
 
 int ZBDatabase::ZBErrC_NotADatabase = ZBError::allocate_code("ZBErrC_NotADatabase", "The specified file is not a ZBDatabase file.");
 int ZBDatabase::ZBErrC_InvalidDatabaseVersion =
@@ -118,7 +136,8 @@ ZBDatabase::ZBDatabase()
       m_lastStructureChange(0), m_readOnly(false), m_isLoaded(false), m_isResolved(false), m_backupCount(5),
       m_lastBackup(ZBDate::E_Zero), m_loadID(1), m_databaseFileVersion(0), m_appFileVersion(0), m_featureCount(0),
       m_appRelease(running_release()), m_writeTime(ZBDate::E_Blank), m_latestWrite(ZBDate::E_Blank),
-      m_actionMgr(nullptr), m_pauseBackground(false), m_recalcComplete(false)
+      m_actionMgr(nullptr), m_pauseBackground(false), m_recalcComplete(false), m_autosave(true),
+      m_changedOverflow(false), m_forceRotation(false), m_recovered(0)
 {
     ZBDatabase::register_zbobject();
     add_container(m_objectSpec);
@@ -129,6 +148,10 @@ ZBDatabase::ZBDatabase()
 ZBDatabase::~ZBDatabase()
 {
     stop_recalc_thread();
+    // A session that ends with everything saved leaves no files behind; one
+    // with unsaved changes keeps its log for the next load to recover.
+    if (m_isLoaded && !m_readOnly && !m_completeFile.empty() && !needs_save())
+        clean_intermediate(false, true);
 }
 
 void ZBDatabase::register_zbobject()
@@ -326,6 +349,11 @@ int ZBDatabase::recalculate(E_RecalcLevel level)
 void ZBDatabase::set_filename(const std::string& name)
 {
     m_completeFile = name;
+    m_partialFile = name.empty() ? std::string() : partial_name(name);
+    m_indexFile = name.empty() ? std::string() : get_cache_name(name, true) + C_IndexExtension;
+    m_dbIndex.initialise(m_indexFile);
+    m_baseFile.clear();
+    m_firstPartialWrite = true;
 }
 
 // The folder's path is hashed into the name, so that two data files of the
@@ -348,26 +376,210 @@ std::string ZBDatabase::version_copy_name(const std::string& name, int version)
     return copy;
 }
 
-std::string ZBDatabase::get_cache_name(const std::string& name, bool create)
+namespace {
+
+std::string cache_dir()
 {
-    QString dir = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
-    if (create)
-        QDir().mkpath(dir);
-    return (dir + "/" + QFileInfo(QString::fromStdString(name)).fileName()).toStdString();
+    if (has_zbapplication())
+        return zbapplication().get_cache_dir();
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation).toStdString();
 }
 
-int ZBDatabase::clean_intermediate(bool, bool)
+std::string scratch_dir()
 {
+    if (has_zbapplication())
+        return zbapplication().get_scratch_dir();
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString() + "/scratch";
+}
+
+// The data file's folder, whole, with links resolved where it exists, so that
+// one file reached by two paths has one family of files.
+QString whole_folder(const std::string& name)
+{
+    const QFileInfo info(QString::fromStdString(name));
+    const QString canonical = info.absoluteDir().canonicalPath();
+    return canonical.isEmpty() ? QDir::cleanPath(info.absolutePath()) : canonical;
+}
+
+// The folder under the cache or scratch folder that holds a data file's
+// files: the initial of each folder on its path, then a short hash of the
+// whole path, so that "/a/b/x.zbd" and "/a/bb/x.zbd" never share.
+std::string mangled_folder(const std::string& name)
+{
+    const QString folder = whole_folder(name);
+    std::string initials;
+    for (int i = 0; i + 1 < folder.size(); ++i)
+        if ((folder[i] == '/' || folder[i] == '\\') && folder[i + 1] != '/' && folder[i + 1] != '\\')
+            initials += QString(folder[i + 1]).toStdString();
+    const std::string hash =
+        QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(8).toStdString();
+    return initials + "." + hash;
+}
+
+std::string file_part(const std::string& name)
+{
+    return QFileInfo(QString::fromStdString(name)).fileName().toStdString();
+}
+
+bool exists(const std::string& path)
+{
+    return !path.empty() && QFileInfo::exists(QString::fromStdString(path));
+}
+
+void make_parent(const std::string& path)
+{
+    QDir().mkpath(QFileInfo(QString::fromStdString(path)).absolutePath());
+}
+
+void remove_file(const std::string& path)
+{
+    if (!path.empty())
+        QFile::remove(QString::fromStdString(path));
+}
+
+bool read_whole(const std::string& path, std::string& text)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        return false;
+    std::ostringstream all;
+    all << in.rdbuf();
+    text = all.str();
+    return !in.bad();
+}
+
+// Size, change time and inode: what tells that another program wrote the file.
+std::string file_stamp(const std::string& path)
+{
+    struct stat info;
+    if (path.empty() || ::stat(path.c_str(), &info) != 0)
+        return std::string();
+    return std::to_string(info.st_size) + ":" + std::to_string(info.st_mtim.tv_sec) + "."
+        + std::to_string(info.st_mtim.tv_nsec) + ":" + std::to_string(info.st_ino);
+}
+
+// A save told to stop after a step leaves the disk as a crash there would.
+int g_saveStop = 0;
+
+// Drops the records a recovered failure left on the error stack.
+void pop_errors(int keep)
+{
+    while (get_zberror().get_nerrors() > keep)
+        get_zberror().clear_last_error();
+}
+
+} // namespace
+
+void zb_set_save_stop(int step)
+{
+    g_saveStop = step;
+}
+
+std::string ZBDatabase::get_cache_name(const std::string& name, bool force)
+{
+    if (!force)
+        return name;
+    return cache_dir() + "/" + mangled_folder(name) + "/" + file_part(name);
+}
+
+std::string ZBDatabase::get_scratch_name(const std::string& name)
+{
+    return scratch_dir() + "/" + mangled_folder(name) + "/" + file_part(name);
+}
+
+std::string ZBDatabase::partial_name(const std::string& name)
+{
+    return get_scratch_name(name) + C_PartialExtension;
+}
+
+bool ZBDatabase::has_partial(const std::string& name)
+{
+    if (name.empty())
+        return false;
+    QFileInfo info(QString::fromStdString(partial_name(name)));
+    return info.exists() && info.size() > 0;
+}
+
+int ZBDatabase::remove_partial(const std::string& name)
+{
+    if (name.empty())
+        return ZBErrC_ok;
+    remove_file(partial_name(name));
+    remove_file(get_cache_name(name, true) + C_IndexExtension);
+    remove_file(get_cache_name(name, true) + C_BaseExtension);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::clean_intermediate(bool keepPartial, bool forceClean)
+{
+    if (m_readOnly || m_completeFile.empty())
+        return ZBErrC_ok;
+    const std::string newName = get_cache_name(m_completeFile + C_NewExtension, false);
+    const std::string oldName = get_cache_name(m_completeFile + C_OldExtension, false);
+    const std::string baseName = get_cache_name(m_completeFile, true) + C_BaseExtension;
+    if (forceClean) {
+        remove_file(newName);
+        remove_file(oldName);
+        if (!keepPartial) {
+            remove_file(m_partialFile);
+            remove_file(baseName);
+            m_baseFile.clear();
+            remove_file(m_indexFile);
+            m_dbIndex.reset();
+            m_firstPartialWrite = true;
+        }
+        return ZBErrC_ok;
+    }
+    for (const std::string& name : {newName, oldName})
+        if (exists(name))
+            return zbwarnuser(ZBErrC_Intermediate, ZBLOC, "File %s exists with main database.", name.c_str());
+    if (!keepPartial)
+        for (const std::string& name : {m_partialFile, m_indexFile})
+            if (exists(name))
+                return zbwarnuser(ZBErrC_Intermediate, ZBLOC, "File %s exists with main database.", name.c_str());
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::ensure_base()
+{
+    // A file not yet written (being created) has no base: its first full
+    // save holds everything and becomes the base.
+    if (m_readOnly || m_completeFile.empty() || !m_baseFile.empty() || !exists(m_completeFile))
+        return ZBErrC_ok;
+    const std::string base = get_cache_name(m_completeFile, true) + C_BaseExtension;
+    if (m_dbIndex.size() > 0 && exists(base)) {
+        // A recovered log goes on from the base it was written against.
+        m_baseFile = base;
+        return ZBErrC_ok;
+    }
+    if (m_dbIndex.size() > 0 || has_partial(m_completeFile)) {
+        // A log without its base cannot be undone: the main file takes in the
+        // recovered state, and the log starts again from it.
+        remove_file(m_partialFile);
+        remove_file(m_indexFile);
+        m_dbIndex.reset();
+        m_firstPartialWrite = true;
+        mark_changed(ZBLOC, false);
+        if (iszbwarn(save(false, false, false)))
+            return zbpass(ZBLOC);
+        return ZBErrC_ok;
+    }
+    make_parent(base);
+    if (iszbwarn(zb_copy_file(m_completeFile, base, true)))
+        return zbpass(ZBLOC);
+    m_baseFile = base;
     return ZBErrC_ok;
 }
 
 int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const std::string& templateFile,
-                     bool keepPartial, bool forceClean, bool, bool noClean)
+                     bool keepPartial, bool forceClean, bool usePartial, bool noClean)
 {
     if (m_isLoaded)
         return zberror(ZBErrC_DatabaseAlreadyLoaded, ZBLOC, "Database file %s already loaded.", name.c_str());
     set_filename(name);
     m_readOnly = readOnly;
+    if (has_zbparam())
+        m_backupCount = std::max(0, zbparam().get_system_value("Backups", m_backupCount));
     const std::string expected = m_expectedAppType;
     if (name.empty()) {
         m_isLoaded = true;
@@ -394,6 +606,7 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
     std::ifstream in(name, std::ios::binary);
     if (!in)
         return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", name.c_str());
+    m_fileStamp = file_stamp(name);
     int result = read(in, false, true);
     if (iszbwarn(result)) {
         zbuserinfo_set("%s contains invalid data.", name.c_str());
@@ -405,6 +618,33 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
     }
     m_isLoaded = true;
     m_lastFullWrite = m_lastPartialWrite = get_counter(true);
+    m_recovered = 0;
+    if (usePartial && !readOnly && has_partial(name)) {
+        const int errors = get_zberror().get_nerrors();
+        m_dbIndex.load();
+        const std::string base = get_cache_name(name, true) + C_BaseExtension;
+        // Undo or redo of a saved transaction after the save leaves the main
+        // file out of step with the log: then the whole log is replayed on
+        // its base. Otherwise the transactions from the last save on are
+        // replayed on the main file.
+        int replay = m_dbIndex.changed_since_save() && exists(base)
+            ? (m_baseFile = base, load_base())
+            : load_partial(true);
+        if (iszbwarn(replay)) {
+            // The user keeps what the main file holds; the damaged log goes.
+            m_recoveryMessage = get_zberror().top() ? get_zberror().top()->get_message() : std::string();
+            pop_errors(errors);
+            m_baseFile.clear();
+            remove_partial(name);
+            m_dbIndex.reset();
+            m_recovered = -1;
+        } else {
+            m_recovered = std::max(1, m_dbIndex.size() - m_dbIndex.get_last_save());
+        }
+        m_lastPartialWrite = get_counter(true);
+    }
+    if (!readOnly && iszbwarn(ensure_base()))
+        return zbpass(ZBLOC);
     if (!expected.empty() && m_appType != expected) {
         const std::string extension = has_zbapplication() ? zbapplication().get_extension() : std::string();
         if (!extension.empty() && QFileInfo(qname).suffix() == QString::fromStdString(extension).remove('.')) {
@@ -419,7 +659,7 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
         long before = get_last_db_update();
         if (iszbwarn(upgrade_appfileversion()) || iszbwarn(initialise(false)))
             return zbpass(ZBLOC);
-        if (get_last_db_update() > before && iszbwarn(save(true, true, false)))
+        if ((get_last_db_update() > before || m_recovered != 0) && iszbwarn(save(true, true, false)))
             return zbpass(ZBLOC);
     } else {
         resolve_containers();
@@ -450,6 +690,7 @@ int ZBDatabase::create(const std::string& name, bool)
         return zbwarnuser(ZBErrC_FileExists, ZBLOC, "The file %s already exists.", name.c_str());
     set_filename(name);
     clean_intermediate(false, true);
+    m_fileStamp.clear();
     m_isLoaded = true;
     if (!m_expectedAppType.empty())
         m_appType = m_expectedAppType;
@@ -463,45 +704,318 @@ int ZBDatabase::create(const std::string& name, bool)
     return ZBErrC_ok;
 }
 
-int ZBDatabase::save(bool, bool, bool)
+bool ZBDatabase::file_changed_on_disk() const
 {
-    if (!m_isLoaded)
-        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", m_completeFile.c_str());
+    if (m_completeFile.empty() || m_fileStamp.empty())
+        return false;
+    return file_stamp(m_completeFile) != m_fileStamp;
+}
+
+void ZBDatabase::accept_file_change()
+{
+    m_fileStamp = file_stamp(m_completeFile);
+}
+
+int ZBDatabase::save(bool push, bool includeManual, bool verifyFile)
+{
+    (void)push;
+    (void)includeManual;
+    ZBAppStatusSetter status("Saving...", false, 1000000);
     if (m_readOnly)
         return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
+    if (!m_isLoaded)
+        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", m_completeFile.c_str());
     if (m_completeFile.empty())
         return ZBErrC_ok;
     BackgroundPause pause(*this);
+    const std::string& file = m_completeFile;
+    if (file_changed_on_disk())
+        return zbwarnuser(ZBErrC_FileWrite, ZBLOC,
+                          "%s was changed by another program since it was opened; it was not overwritten.",
+                          file.c_str());
+    // With nothing logged yet, the new file simply becomes the base. Otherwise
+    // what was changed outside an operation goes to the log first, so that a
+    // replay after this save still finds it.
+    const bool rebase = m_dbIndex.size() == 0 && !exists(m_partialFile);
+    if (!rebase && !m_baseFile.empty() && iszbwarn(save_partial(std::string())))
+        return zbpass(ZBLOC);
+    const std::string newName = get_cache_name(file + C_NewExtension, false);
+    const std::string oldName = get_cache_name(file + C_OldExtension, false);
+    make_parent(newName);
+    make_parent(oldName);
+
     m_writeTime = ZBDateUtils::now();
+    m_latestWrite.set_latest(m_writeTime);
     m_writeHost = host_name();
     m_appRelease = running_release().empty() ? m_appRelease : running_release();
     std::ostringstream text;
-    int result = write(text, 0, true, std::string(), -1);
-    if (iszbwarn(result))
+    if (iszbwarn(write(text, 0, false, std::string(), -1)))
         return zbpass(ZBLOC);
-    const std::string data = text.str();
-    // The old file is replaced only by a complete new one.
-    QSaveFile file(QString::fromStdString(m_completeFile));
-    if (!file.open(QIODevice::WriteOnly))
-        return zbwarnuser(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", m_completeFile.c_str());
-    if (file.write(data.data(), qint64(data.size())) != qint64(data.size()) || !file.commit())
-        return zbwarnuser(ZBErrC_FileWrite, ZBLOC, "Could not write the file %s: %s", m_completeFile.c_str(),
-                          file.errorString().toStdString().c_str());
-    m_lastFullWrite = m_lastPartialWrite = get_counter(false);
-    m_latestWrite.set_latest(m_writeTime);
+    // The new file is on the disk before anything else changes.
+    if (iszbwarn(zb_write_file_synced(newName, text.str()))) {
+        remove_file(newName);
+        return zbpass(ZBLOC);
+    }
+    // The old file keeps its name until the new one replaces it in one
+    // rename; the ".old" name is a second link to it, so that the data file
+    // is never missing, whenever the program stops.
+    if (g_saveStop == 5)
+        return ZBErrC_okShutdown;
+    const bool existed = exists(file);
+    if (existed && iszbwarn(zb_link_or_copy(file, oldName))) {
+        remove_file(newName);
+        return zbpass(ZBLOC);
+    }
+    if (g_saveStop == 6)
+        return ZBErrC_okShutdown;
+    if (m_baseFile.empty() || rebase) {
+        const std::string base = get_cache_name(file, true) + C_BaseExtension;
+        make_parent(base);
+        const std::string& from = m_dbIndex.size() == 0 || !existed ? newName : oldName;
+        if (iszbwarn(zb_copy_file(from, base, true))) {
+            remove_file(newName);
+            remove_file(oldName);
+            return zbpass(ZBLOC);
+        }
+        m_baseFile = base;
+    }
+    if (g_saveStop == 7)
+        return ZBErrC_okShutdown;
+    if (iszbwarn(zb_rename_synced(newName, file))) {
+        remove_file(newName);
+        remove_file(oldName);
+        return zbpass(ZBLOC);
+    }
+    if (use_save_validation() || verifyFile) {
+        int result = verify(file, m_appType);
+        if (iszbwarn(result)) {
+            if (existed)
+                zb_rename_synced(oldName, file);
+            m_fileStamp = file_stamp(file);
+            return zbpass(ZBLOC);
+        }
+    }
+    if (g_saveStop == 9)
+        return ZBErrC_okShutdown;
+    rotate_backups();
+    if (g_saveStop == 10)
+        return ZBErrC_okShutdown;
+    remove_file(oldName);
+    m_fileStamp = file_stamp(file);
+    if (g_saveStop == 11)
+        return ZBErrC_okShutdown;
+    m_dbIndex.mark_save();
+    m_lastPartialWrite = get_counter(true);
+    m_lastFullWrite = m_lastPartialWrite;
+    m_changedIds.clear();
+    m_changedOverflow = false;
     return ZBErrC_ok;
 }
 
-int ZBDatabase::save_as(const std::string& name, bool)
+void ZBDatabase::rotate_backups()
 {
-    std::string old = m_completeFile;
-    set_filename(name);
-    int result = save(true, true, false);
-    if (iszbwarn(result)) {
-        set_filename(old);
-        return zbpass(ZBLOC);
+    const std::string oldName = get_cache_name(m_completeFile + C_OldExtension, false);
+    if (m_backupCount < 1)
+        return;
+    const ZBDate now = ZBDateUtils::now();
+    if (!m_forceRotation) {
+        std::int64_t last = m_lastBackup.is_zero() || !m_lastBackup.is_ok() ? 0 : m_lastBackup.to_micros();
+        if (last == 0) {
+            // Across sessions the newest backup's time tells when the last rotation was.
+            const ZBMoment made = zb_file_modified(get_scratch_name(m_completeFile) + ".bk0");
+            if (made.is_ok())
+                last = made.to_micros();
+        }
+        const std::int64_t since = now.to_micros() - last;
+        // A rotation time ahead of the clock (the clock was put back) counts as long past.
+        if (last != 0 && since >= 0 && since <= std::int64_t(C_BackupInterval) * 1000000)
+            return;
     }
+    const std::string scratch = get_scratch_name(m_completeFile);
+    make_parent(scratch);
+    for (int i = m_backupCount - 1; i >= 0; --i) {
+        const std::string source = i == 0 ? oldName : scratch + ".bk" + std::to_string(i - 1);
+        const std::string target = scratch + ".bk" + std::to_string(i);
+        if (exists(source))
+            zb_rename_file(source, target, true);
+    }
+    // The rotation's time, for the next session's two-hour rule and for the list of snapshots.
+    const std::string newest = scratch + ".bk0";
+    if (exists(newest)) {
+        QFile touch(QString::fromStdString(newest));
+        if (touch.open(QIODevice::ReadWrite))
+            touch.setFileTime(QDateTime::fromMSecsSinceEpoch(qint64(now.to_micros() / 1000), Qt::UTC),
+                             QFileDevice::FileModificationTime);
+    }
+    m_lastBackup = now;
+}
+
+int ZBDatabase::verify(const std::string& fileName, const std::string& appType) const
+{
+    if (m_completeFile.empty())
+        return ZBErrC_ok;
+    std::unique_ptr<ZBDatabase> check(create_verification_db(appType));
+    if (!check)
+        return zberror(ZBErrC_NullPointer, ZBLOC, "Could not make a database to verify %s.", fileName.c_str());
+    check->set_expected_app_type(std::string());
+    int result = check->load(fileName, true, false, std::string(), false, false, false, true);
+    check->unload();
+    if (iszbwarn(result))
+        return zbwarnuser(ZBErrC_CorruptDatabase, ZBLOC, "Unable to load database %s.", fileName.c_str());
+    const std::string good = get_scratch_name(m_completeFile) + C_LastKnownGood;
+    make_parent(good);
+    zb_copy_file(fileName, good, true);
     return ZBErrC_ok;
+}
+
+ZBDatabase* ZBDatabase::create_verification_db(const std::string&) const
+{
+    ZBObjectIndexEntry* entry = zbclassindex().find(get_class_name());
+    ZBObject* made = nullptr;
+    if (!entry || !entry->m_create || iszbwarn(entry->m_create(made, nullptr))) {
+        delete made;
+        return nullptr;
+    }
+    ZBDatabase* db = dynamic_cast<ZBDatabase*>(made);
+    if (!db)
+        delete made;
+    return db;
+}
+
+int ZBDatabase::save_as(const std::string& name, bool copyFile)
+{
+    const std::string oldFile = m_completeFile;
+    const std::string oldPartial = m_partialFile;
+    const std::string oldIndex = m_indexFile;
+    const std::string oldBase = m_baseFile;
+    set_filename(name);
+    m_fileStamp.clear();
+    // The session's log goes with the file, so undo reaches back past the rename.
+    if (!oldFile.empty() && exists(oldPartial)) {
+        make_parent(m_partialFile);
+        make_parent(m_indexFile);
+        zb_rename_file(oldPartial, m_partialFile, true);
+        if (exists(oldIndex))
+            zb_rename_file(oldIndex, m_indexFile, true);
+        m_dbIndex.load();
+        m_firstPartialWrite = false;
+    }
+    if (!oldBase.empty() && exists(oldBase)) {
+        m_baseFile = get_cache_name(name, true) + C_BaseExtension;
+        make_parent(m_baseFile);
+        zb_rename_file(oldBase, m_baseFile, true);
+    }
+    if (copyFile && exists(oldFile) && !exists(name))
+        zb_copy_file(oldFile, name, false);
+    m_fileStamp = file_stamp(name);
+    return save(true, false, true);
+}
+
+int ZBDatabase::replace_file(const std::string& name)
+{
+    const std::string keepName = m_completeFile;
+    unload();
+    if (iszbwarn(load(name, false, false, std::string(), false, true, false, true)))
+        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", name.c_str());
+    set_filename(keepName);
+    m_fileStamp = file_stamp(keepName);
+    m_lastFullWrite = m_lastPartialWrite = get_counter(true);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::handle_load_fail(const std::string& name)
+{
+    const std::string scratch = get_scratch_name(name);
+    std::string source = scratch + C_LastKnownGood;
+    if (!exists(source))
+        source = scratch + ".bk0";
+    if (!exists(source))
+        return ZBErrC_okNotHandled;
+    if (m_isLoaded)
+        unload();
+    remove_partial(name);
+    if (exists(name) && iszbwarn(zb_rename_file(name, name + C_BakExtension, true)))
+        return zbpass(ZBLOC);
+    if (iszbwarn(zb_copy_file(source, name, true)))
+        return zbpass(ZBLOC);
+    if (iszbwarn(load(name, false, false, std::string(), false, true, false, false)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+void ZBDatabase::set_backup_count(int count)
+{
+    m_backupCount = std::max(0, count);
+    if (has_zbparam())
+        zbparam().set_system_value("Backups", m_backupCount);
+}
+
+int ZBDatabase::save_snapshot(bool includeManual)
+{
+    const int keep = m_backupCount;
+    if (m_backupCount == 0)
+        m_backupCount = 10;
+    m_lastBackup = ZBDate(ZBDate::E_Zero);
+    m_forceRotation = true;
+    // A snapshot is taken even when nothing changed since the last save.
+    int result = save(true, includeManual, true);
+    m_forceRotation = false;
+    m_backupCount = keep;
+    m_lastBackup = ZBDate(ZBDate::E_Zero);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+std::vector<std::string> ZBDatabase::list_snapshots(const std::string& name)
+{
+    std::vector<std::string> out;
+    const std::string scratch = get_scratch_name(name);
+    for (int i = 0; i < 100; ++i) {
+        const std::string file = scratch + ".bk" + std::to_string(i);
+        if (exists(file))
+            out.push_back(file);
+    }
+    return out;
+}
+
+int ZBDatabase::export_db(const std::string& fileName)
+{
+    std::ostringstream text;
+    if (iszbwarn(write(text, 0, false, std::string(), -1)))
+        return zbpass(ZBLOC);
+    make_parent(fileName);
+    if (iszbwarn(zb_write_file_synced(fileName, text.str())))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::restore_snapshot(const std::string& file, std::string& keep)
+{
+    if (!exists(file))
+        return zbwarning(ZBErrC_FileOpen, ZBLOC, "Could not open %s.", file.c_str());
+    const std::string name = m_completeFile;
+    keep = get_scratch_name(name) + C_SnapshotKeep;
+    if (iszbwarn(export_db(keep)))
+        return zbpass(ZBLOC);
+    // The snapshot is checked before it replaces anything.
+    if (iszbwarn(verify(file, m_appType)))
+        return zbwarnuser(ZBErrC_CorruptDatabase, ZBLOC, "Could not restore snapshot %s", file.c_str());
+    unload();
+    const std::string incoming = name + C_NewExtension;
+    int result = zb_copy_file(file, incoming, true);
+    if (!iszbwarn(result))
+        result = zb_rename_synced(incoming, name);
+    if (!iszbwarn(result))
+        result = load(name, false, false, std::string(), false, true, false, false);
+    if (!iszbwarn(result))
+        return save(false, false, false);
+    const int errors = get_zberror().get_nerrors();
+    unload();
+    zb_copy_file(keep, name, true);
+    load(name, false, false, std::string(), false, true, false, false);
+    pop_errors(errors);
+    return zbwarnuser(ZBErrC_CorruptDatabase, ZBLOC, "Could not restore snapshot %s", file.c_str());
 }
 
 int ZBDatabase::unload()
@@ -522,6 +1036,10 @@ int ZBDatabase::unload()
     m_partialFile.clear();
     m_baseFile.clear();
     m_indexFile.clear();
+    m_dbIndex.initialise(std::string());
+    m_fileStamp.clear();
+    m_changedIds.clear();
+    m_changedOverflow = false;
     return ZBErrC_ok;
 }
 
@@ -625,7 +1143,7 @@ int ZBDatabase::read(std::istream& in, bool partial, bool skipSaved)
                                    m_databaseFileVersion, C_LatestFileVersion);
             } else if (tag == C_DlmtTransaction) {
                 if (partial) {
-                    const int id = int(std::strtol(value.c_str(), nullptr, 10));
+                    const int id = ZBDBTransaction::read_transaction_tag(value);
                     skip = m_dbIndex.get_status(id) != 0 || (skipSaved && id < m_dbIndex.get_last_save());
                 }
             } else if (!partial) {
@@ -739,7 +1257,10 @@ int ZBDatabase::write(std::ostream& out, long since, bool withHead, const std::s
     if (since > 0 && !operation.empty()) {
         if (!running_release().empty())
             m_appRelease = running_release();
-        write_tagged_field(C_DlmtTransaction, out, "%s", m_dbIndex.add_transaction(operation, m_appFileVersion).c_str());
+        std::string tag;
+        if (iszbwarn(m_dbIndex.add_transaction(operation, tag, m_appFileVersion)))
+            return zbpass(ZBLOC);
+        write_tagged_field(C_DlmtTransaction, out, "%s", tag.c_str());
     }
     if (since == 0 || has_changed_since(since))
         if (iszbwarn(write_tagged_class(C_ObjectStart, out, m_appFileVersion)))
@@ -753,6 +1274,20 @@ int ZBDatabase::write(std::ostream& out, long since, bool withHead, const std::s
 
 int ZBDatabase::write_objects(std::ostream& out, long since, int version)
 {
+    if (since > 0 && !m_changedOverflow) {
+        // A partial write looks at the objects marked since the last one, not
+        // at all of them, so that its cost follows the change, not the file.
+        std::unordered_set<int> seen;
+        for (int id : m_changedIds) {
+            if (!seen.insert(id).second)
+                continue;
+            const ZBDBObject* object = m_object.find(id);
+            if (object && object->has_changed_since(since)
+                && iszbwarn(object->write_tagged_class(C_ObjectStart, out, version)))
+                return zbpass(ZBLOC);
+        }
+        return ZBErrC_ok;
+    }
     // Deleted objects stay for a week as tombstones, so that a merge sees them.
     const ZBDate limit = ZBDateParser::parse_date("now +-1 Week").apply(ZBDateUtils::now());
     for (const ZBDBObject* object : m_object) {
@@ -1146,9 +1681,310 @@ int ZBDatabase::update_vars(int id, bool mark)
     return ZBErrC_ok;
 }
 
-int ZBDatabase::complete_operation(const std::string&)
+// ---------------------------------------------------------------- editing and undo
+
+int ZBDatabase::edit_object(int id, bool created, int lockId)
 {
+    if (!m_isLoaded)
+        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", m_completeFile.c_str());
+    ZBDBObject* object = get_object_by_id(id);
+    if (!object)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not edit - Object ID %d not found.", id);
+    if (iszbwarn(object->edit(lockId, created)))
+        return zbpass(ZBLOC);
     return ZBErrC_ok;
+}
+
+int ZBDatabase::commit_object(int id, const std::string& operation)
+{
+    ZBDBObject* object = get_object_by_id(id);
+    if (!object)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not edit - Object ID %d not found.", id);
+    update_vars(id, true);
+    object->run_trigger_script(ZBDBObject::C_EditTrigger);
+    if (iszbwarn(object->commit()))
+        return zbpass(ZBLOC);
+    if (!operation.empty() && iszbwarn(complete_operation(operation)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::revert_object(int id)
+{
+    ZBDBObject* object = get_object_by_id(id);
+    if (!object)
+        return zberror(ZBErrC_ObjectIdNotFound, ZBLOC, "Could not edit - Object ID %d not found.", id);
+    const bool created = object->get_created();
+    if (iszbwarn(object->revert()))
+        return zbpass(ZBLOC);
+    // An object made for this edit goes again; nothing of it reaches the log.
+    if (created && iszbwarn(delete_object(id, std::string())))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+bool ZBDatabase::object_edited() const
+{
+    for (const ZBDBObject* object : m_object)
+        if (object->is_edited())
+            return true;
+    return false;
+}
+
+void ZBDatabase::note_changed(int id)
+{
+    if (m_changedOverflow)
+        return;
+    // A session that never writes its log (read-only, in memory, a background
+    // copy) would let the list grow without end: past a limit, a partial write
+    // looks at every object instead.
+    if (m_changedIds.size() > size_t(m_object.size()) * 2 + 4096) {
+        m_changedIds.clear();
+        m_changedOverflow = true;
+        return;
+    }
+    m_changedIds.push_back(id);
+}
+
+bool ZBDatabase::partial_pending() const
+{
+    if (has_changed_since(m_lastPartialWrite))
+        return true;
+    if (m_changedOverflow)
+        return db_has_changed_since(m_lastPartialWrite, false);
+    for (int id : m_changedIds) {
+        const ZBDBObject* object = m_object.find(id);
+        if (object && object->has_changed_since(m_lastPartialWrite))
+            return true;
+    }
+    return false;
+}
+
+int ZBDatabase::complete_operation(const std::string& operation)
+{
+    if (!m_isLoaded)
+        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", m_completeFile.c_str());
+    if (m_readOnly || !partial_pending())
+        return ZBErrC_ok;
+    if (iszbwarn(save_partial(operation)))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::save_partial(const std::string& operation)
+{
+    if (!m_isLoaded)
+        return zberror(ZBErrC_DatabaseNotLoaded, ZBLOC, "Database file %s not loaded.", m_completeFile.c_str());
+    if (m_readOnly)
+        return zberror(ZBErrC_DatabaseReadOnly, ZBLOC, "This database was opened read-only.");
+    if (m_completeFile.empty())
+        return ZBErrC_ok;
+    if (operation.empty() && !partial_pending())
+        return ZBErrC_ok;
+    // The base goes down before the first change, so that undo always has a
+    // state to start from.
+    if (iszbwarn(ensure_base()))
+        return zbpass(ZBLOC);
+    if (m_baseFile.empty())
+        return ZBErrC_ok;
+    make_parent(m_partialFile);
+    struct stat info;
+    const bool head = m_firstPartialWrite || ::stat(m_partialFile.c_str(), &info) != 0 || info.st_size == 0;
+    std::ostringstream text;
+    if (iszbwarn(write(text, m_lastPartialWrite, head, operation, -1)))
+        return zbpass(ZBLOC);
+    // One append, so that a crash leaves the block whole or cut at its end.
+    if (iszbwarn(zb_append_file(m_partialFile, text.str())))
+        return zbpass(ZBLOC);
+    m_lastPartialWrite = get_counter(true);
+    m_firstPartialWrite = false;
+    m_changedIds.clear();
+    m_changedOverflow = false;
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::read_partial_text(std::string& text, bool skipSaved, bool cutTorn)
+{
+    const int errors = get_zberror().get_nerrors();
+    std::istringstream in(text);
+    int result = read(in, true, skipSaved);
+    if (result == ZBErrC_okDelete || !iszbwarn(result))
+        return result;
+    // A block cut short by a crash is the last in the file: without it the
+    // rest must read. Damage anywhere else is damage.
+    size_t cut = text.rfind("\n!" + std::string(C_DlmtTransaction) + "!");
+    if (cut == std::string::npos) {
+        std::string message = get_zberror().top() ? get_zberror().top()->get_message() : std::string();
+        pop_errors(errors);
+        return zbwarnuser(ZBErrC_CorruptPartial, ZBLOC, "The file %s is damaged: %s", m_partialFile.c_str(),
+                          message.c_str());
+    }
+    const std::string message = get_zberror().top() ? get_zberror().top()->get_message() : std::string();
+    pop_errors(errors);
+    std::istringstream whole(text.substr(0, cut + 1));
+    if (iszbwarn(read(whole, true, skipSaved))) {
+        pop_errors(errors);
+        return zbwarnuser(ZBErrC_CorruptPartial, ZBLOC, "The file %s is damaged: %s", m_partialFile.c_str(),
+                          message.c_str());
+    }
+    text.resize(cut + 1);
+    if (cutTorn)
+        zb_truncate_file(m_partialFile, (long long)text.size());
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::load_partial(bool skipSaved)
+{
+    if (!exists(m_partialFile))
+        return ZBErrC_ok;
+    if (iszbwarn(m_dbIndex.load()))
+        return zbpass(ZBLOC);
+    std::string text;
+    if (!read_whole(m_partialFile, text))
+        return zbwarnuser(ZBErrC_CorruptPartial, ZBLOC, "Could not open the file %s", m_partialFile.c_str());
+    int result = read_partial_text(text, skipSaved, true);
+    if (result == ZBErrC_okDelete) {
+        // The file had no head: nothing in it can be replayed.
+        remove_file(m_partialFile);
+    } else if (iszbwarn(result)) {
+        return zbpass(ZBLOC);
+    }
+    mark_changed(ZBLOC, false);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::replace_from_text(const std::string& text, const std::string& fileName)
+{
+    // Read first into a second database: a damaged base or log leaves this one as it was.
+    std::string partial;
+    const bool hasLog = exists(m_partialFile);
+    if (hasLog && !read_whole(m_partialFile, partial))
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", m_partialFile.c_str());
+    {
+        std::unique_ptr<ZBDatabase> check(create_verification_db(m_appType));
+        if (!check)
+            return zberror(ZBErrC_NullPointer, ZBLOC, "Could not make a database to read %s.", fileName.c_str());
+        check->m_partialFile = m_partialFile;
+        check->m_dbIndex.initialise(m_indexFile);
+        std::istringstream in(text);
+        int result = check->read(in, false, false);
+        if (!iszbwarn(result) && hasLog && iszbwarn(check->m_dbIndex.load()))
+            result = zberrorvalue();
+        if (!iszbwarn(result) && hasLog) {
+            std::string copy = partial;
+            result = check->read_partial_text(copy, false, false);
+        }
+        check->m_partialFile.clear();
+        if (iszbwarn(result) && result != ZBErrC_okDelete) {
+            zbuserinfo_set("%s contains invalid data.", fileName.c_str());
+            return zbpass(ZBLOC);
+        }
+    }
+    const int uniqueId = m_uniqueId;
+    clear_containers();
+    for (ZBDBObject* object : m_object)
+        object->clear_containers();
+    m_object.clear();
+    std::istringstream in(text);
+    if (iszbwarn(read(in, false, false)))
+        return zbpass(ZBLOC);
+    if (hasLog) {
+        int result = read_partial_text(partial, false, true);
+        if (iszbwarn(result) && result != ZBErrC_okDelete)
+            return zbpass(ZBLOC);
+    }
+    if (uniqueId > m_uniqueId)
+        m_uniqueId = uniqueId;
+    resolve_containers();
+    parse_objectspecs(true);
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::load_base()
+{
+    if (iszbwarn(save_partial(std::string())))
+        return zbpass(ZBLOC);
+    std::string text;
+    if (m_baseFile.empty() || !read_whole(m_baseFile, text))
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s",
+                          m_baseFile.empty() ? (m_completeFile + C_BaseExtension).c_str() : m_baseFile.c_str());
+    std::unordered_map<int, long> updates;
+    updates.reserve(size_t(m_object.size()));
+    for (const ZBDBObject* object : m_object)
+        updates[object->get_id()] = object->get_last_update();
+    const long ownUpdate = get_last_update();
+    if (iszbwarn(replace_from_text(text, m_baseFile)))
+        return zbpass(ZBLOC);
+    // Objects that the step did not touch count as unchanged since the log
+    // last saw them; those it brought back keep their new count.
+    for (ZBDBObject* object : m_object) {
+        auto found = updates.find(object->get_id());
+        if (found != updates.end())
+            object->restore_update(found->second);
+    }
+    restore_update(ownUpdate);
+    m_changedIds.clear();
+    m_changedOverflow = false;
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::discard_changes()
+{
+    if (!m_isLoaded || m_readOnly || m_completeFile.empty() || !partial_pending())
+        return ZBErrC_ok;
+    std::string text;
+    if (iszbwarn(ensure_base()))
+        return zbpass(ZBLOC);
+    if (!read_whole(m_baseFile, text))
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "Could not open the file %s", m_baseFile.c_str());
+    if (iszbwarn(replace_from_text(text, m_baseFile)))
+        return zbpass(ZBLOC);
+    after_replay();
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::undo()
+{
+    if (!m_dbIndex.can_undo())
+        return ZBErrC_ok;
+    if (iszbwarn(save_partial(std::string())) || iszbwarn(m_dbIndex.undo()))
+        return zbpass(ZBLOC);
+    if (iszbwarn(load_base())) {
+        // The database is as it was, and so is the log: the step stays done,
+        // and a new operation must not abandon it.
+        const int errors = get_zberror().get_nerrors();
+        m_dbIndex.redo();
+        pop_errors(errors);
+        return zbpass(ZBLOC);
+    }
+    after_replay();
+    return ZBErrC_ok;
+}
+
+int ZBDatabase::redo()
+{
+    if (!m_dbIndex.can_redo())
+        return ZBErrC_ok;
+    if (iszbwarn(save_partial(std::string())) || iszbwarn(m_dbIndex.redo()))
+        return zbpass(ZBLOC);
+    if (iszbwarn(load_base())) {
+        const int errors = get_zberror().get_nerrors();
+        m_dbIndex.undo();
+        pop_errors(errors);
+        return zbpass(ZBLOC);
+    }
+    after_replay();
+    return ZBErrC_ok;
+}
+
+// The database differs from its file now, but nothing new is waiting for the
+// log: the next operation that changes nothing must not end the redo chain.
+void ZBDatabase::after_replay()
+{
+    mark_changed(ZBLOC, false);
+    m_lastPartialWrite = get_counter(false);
+    m_changedIds.clear();
+    m_changedOverflow = false;
 }
 
 // ---------------------------------------------------------------- background thread

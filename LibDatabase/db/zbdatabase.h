@@ -5,6 +5,7 @@
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDatabase/db/zbdbcontainer.h"
 #include "LibDatabase/db/zbdbindex.h"
+#include "LibDatabase/db/zbdbtransaction.h"
 #include "LibDatabase/db/zbexternaldb.h"
 #include "LibComms/thread/zbthread.h"
 #include "LibCore/ptrarray/zbptrarrayindex.h"
@@ -43,6 +44,17 @@ public:
     static const char* const C_NoteTag;
     static const char* const C_SystemReference;
     static const int C_LatestFileVersion = 0;
+    // The family of files around a data file F.
+    static const char* const C_NewExtension;     // F being written, beside F
+    static const char* const C_OldExtension;     // the previous F during a save, beside F
+    static const char* const C_PartialExtension; // the log of this session's operations
+    static const char* const C_BaseExtension;    // the state the log applies to
+    static const char* const C_IndexExtension;   // the statuses of the logged transactions
+    static const char* const C_LastKnownGood;    // the last file that passed verification
+    static const char* const C_SnapshotKeep;     // the state before a snapshot was restored
+    static const char* const C_BakExtension;     // a corrupt F set aside
+    // Seconds between two rotations of the backups.
+    static const int C_BackupInterval = 7200;
 
     static int ZBErrC_NotADatabase;
     static int ZBErrC_InvalidDatabaseVersion;
@@ -90,8 +102,42 @@ public:
     // Writes the whole database to its file, through a temporary file that
     // replaces the old one only when it is complete.
     int save(bool push, bool includeManual, bool verify);
-    int save_as(const std::string& name, bool keepOld);
+    int save_as(const std::string& name, bool copyFile);
     int unload();
+    // Loads another file in this one's place, keeping this one's name (a merge
+    // where the other copy won).
+    int replace_file(const std::string& name);
+    // Loads the file again after a load failed: F is set aside as ".bak" and the
+    // last verified copy (or the newest backup) takes its place. okNotHandled
+    // when there is nothing to restore from.
+    int handle_load_fail(const std::string& name);
+    // Reads a file in a second database of this class, read-only; on success it
+    // becomes the last known good copy.
+    int verify(const std::string& fileName, const std::string& appType) const;
+    virtual ZBDatabase* create_verification_db(const std::string& appType) const;
+    // The session's log.
+    int save_partial(const std::string& operation);
+    int load_partial(bool skipSaved);
+    int load_base();
+    static bool has_partial(const std::string& name);
+    static int remove_partial(const std::string& name);
+    bool has_partial() const { return has_partial(m_completeFile); }
+    // Backups and snapshots.
+    void set_backup_count(int count);
+    int get_backup_count() const { return m_backupCount; }
+    void set_autosave(bool on) { m_autosave = on; }
+    bool get_autosave() const { return m_autosave; }
+    int save_snapshot(bool includeManual);
+    int restore_snapshot(const std::string& file, std::string& keep);
+    // The rotated backups of a data file that exist, newest first.
+    static std::vector<std::string> list_snapshots(const std::string& name);
+    // Writes the whole database to another file, which is flushed to the disk.
+    int export_db(const std::string& fileName);
+    // Takes the data file as it now is on disk for the one this session
+    // loaded, so that a save may overwrite a change another program made.
+    void accept_file_change();
+    // Whether the data file on disk is no longer the one loaded or last saved.
+    bool file_changed_on_disk() const;
     int read(std::istream& in, bool partial, bool skipSaved);
     int write(std::ostream& out, long since, bool withHead, const std::string& operation, int version);
     bool is_loaded() const { return m_isLoaded; }
@@ -192,8 +238,39 @@ public:
     int import_specs(const std::string& fileName, std::vector<std::string>* names = nullptr);
     // The messages of the spec faults found by the last parse_objectspecs.
     const std::vector<std::string>& get_spec_errors() const { return m_specErrors; }
-    // Closes one user action; the undo machinery records it.
+    // Closes one user action: its changes go to the partial file as one
+    // transaction named operation, which is then one step of undo.
     virtual int complete_operation(const std::string& operation);
+
+    // The editing protocol: edit locks an object and keeps a backup, commit
+    // records the change (and, given an operation, closes the step), revert
+    // puts the backup back (and drops an object made by this edit).
+    int edit_object(int id, bool created, int lockId = -1);
+    int commit_object(int id, const std::string& operation);
+    int revert_object(int id);
+    bool object_edited() const;
+    // Undo and redo rebuild the database from the base file and the live transactions.
+    bool can_undo() const { return m_dbIndex.can_undo(); }
+    bool can_redo() const { return m_dbIndex.can_redo(); }
+    std::string get_undo_operation() const { return m_dbIndex.get_undo_operation(); }
+    std::string get_redo_operation() const { return m_dbIndex.get_redo_operation(); }
+    int undo();
+    int redo();
+    // Drops changes not yet closed as an operation: the database goes back to
+    // the state after the last logged step.
+    int discard_changes();
+    const ZBDBIndex& get_index() const { return m_dbIndex; }
+    const std::string& get_partial_file() const { return m_partialFile; }
+    const std::string& get_base_file() const { return m_baseFile; }
+    const std::string& get_index_file() const { return m_indexFile; }
+    // Told by an object each time it records a change, so that a partial
+    // write looks at the changed objects only.
+    void note_changed(int id);
+
+    // After a load: how many transactions of a crashed session were replayed
+    // (0 none, -1 the log was damaged and set aside, with its message).
+    int get_recovered() const { return m_recovered; }
+    const std::string& get_recovery_message() const { return m_recoveryMessage; }
 
     // The findings of the data check about this database's objects.
     ZBDBChecker& get_checker() { return m_checker; }
@@ -215,8 +292,13 @@ public:
     void pause_background(bool pause);
     bool is_background_paused() const;
 
-    // Where intermediate files of a data file go; a stand-in until the saving machinery.
-    static std::string get_cache_name(const std::string& name, bool create);
+    // Where the files around a data file go. Without force, on this desktop,
+    // name itself; with force, the cache folder, a folder named from the data
+    // file's folders, and the file part. get_scratch_name is the same in the
+    // scratch folder; partial_name adds the partial extension to it.
+    static std::string get_cache_name(const std::string& name, bool force);
+    static std::string get_scratch_name(const std::string& name);
+    static std::string partial_name(const std::string& name);
     // A new name for the copy of a data file kept before its data is upgraded
     // from version: never one already in use, and distinct for files of the
     // same name in different folders.
@@ -232,6 +314,18 @@ protected:
     // Writes "O:" objects; since 0 is a full write, where old tombstones are left out.
     int write_objects(std::ostream& out, long since, int version);
     int clean_intermediate(bool keepPartial, bool forceClean);
+    // The base file for this session: made from the data file before the first
+    // change is logged, or the one a recovered log applies to.
+    int ensure_base();
+    // Reads a complete file into this database, replacing what it holds only
+    // once the whole file has been read.
+    int replace_from_text(const std::string& text, const std::string& fileName);
+    // Replays a partial file's text; a last block cut short by a crash is
+    // dropped (and, with cutTorn, cut from the file).
+    int read_partial_text(std::string& text, bool skipSaved, bool cutTorn);
+    bool partial_pending() const;
+    void after_replay();
+    void rotate_backups();
     // Reads one "O:" record's entries and then the object; refuses a damaged
     // id. lineNo counts the lines of the file.
     static int read_record(ZBObject& object, std::istream& in, int version, int& lineNo);
@@ -284,6 +378,16 @@ private:
     void* m_actionMgr;
     bool m_pauseBackground;
     bool m_recalcComplete;
+    bool m_autosave;
+    // Ids of objects marked changed since the last partial write; when it
+    // overflows a partial write looks at every object.
+    std::vector<int> m_changedIds;
+    bool m_changedOverflow;
+    // The data file's identity (size, time, inode) when loaded or last saved.
+    std::string m_fileStamp;
+    bool m_forceRotation;
+    int m_recovered;
+    std::string m_recoveryMessage;
     ZBMutex m_recalcMutex;
     mutable ZBMutex m_pauseMutex;
     ZBDBChecker m_checker;

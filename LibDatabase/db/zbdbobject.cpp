@@ -734,8 +734,11 @@ void ZBDBObject::mark_changed(const std::string& location, bool updateTime)
         node().m_modifyTime = ZBDateUtils::now() + ZBDuration(1);
     if (m_extra || !location.empty())
         extra().m_modifyLoc = location;
-    if (m_id >= 0)
+    if (m_id >= 0) {
         mark_update();
+        if (m_node && m_node->m_database)
+            m_node->m_database->note_changed(m_id);
+    }
 }
 
 void ZBDBObject::set_id(int id, const ZBDate& created, bool isNew)

@@ -280,7 +280,7 @@ TEST_F(DatabaseFile, PartialWriteHasOnlyChangedObjects)
     std::ostringstream out;
     ASSERT_EQ(db->write(out, since, true, "Change", -1), ZBErrC_ok);
     const std::string text = out.str();
-    EXPECT_NE(text.find("!Transaction!1:Change\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("!Transaction!0:Change\n"), std::string::npos) << text;
     EXPECT_EQ(std::count(text.begin(), text.end(), '{'), 1) << text;
     EXPECT_NE(text.find("!I!" + std::to_string(leaf->get_id()) + "\n"), std::string::npos);
 }
