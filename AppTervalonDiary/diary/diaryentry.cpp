@@ -1197,8 +1197,11 @@ void DiaryEntry::recalculate_recalculate(int cycle)
         else if (type == 'A')
             need = !rangeEnd.is_ok() || m_etime.get_calc_date().m_end < rangeEnd;
     }
-    for (int i = 0; !need && i < m_children.size(); ++i)
-        need = m_children.get(i)->m_needRecalculate;
+    for (const DiaryEntry* child : get_children()) {
+        if (need)
+            break;
+        need = child->m_needRecalculate;
+    }
     m_needRecalculate = need;
 }
 
@@ -1217,7 +1220,7 @@ void DiaryEntry::load_predicted(const Diary& copy, long stamp)
                 edit_depend().upload(other->get_depend());
         }
     }
-    for (DiaryEntry* child : m_children)
+    for (DiaryEntry* child : get_children())
         child->load_predicted(copy, stamp);
     update_first_plan();
 }
@@ -1275,7 +1278,7 @@ void DiaryEntry::remove_fixed(ZBDateSet& set, const ZBDateSlot& slot, int resour
             if (instance.m_start < instance.m_end)
                 set.subtract(instance, -1);
     }
-    for (const DiaryEntry* child : m_children)
+    for (const DiaryEntry* child : get_children())
         if (!child->is_deleted())
             child->remove_fixed(set, slot, resource, withSpent);
 }
@@ -1313,7 +1316,7 @@ int DiaryEntry::check_clashing(ZBCalendar& calendar, const ZBDateSlot& slot, int
                 return zbpass(ZBLOC);
         }
     }
-    for (const DiaryEntry* child : m_children)
+    for (const DiaryEntry* child : get_children())
         if (!child->is_deleted() && iszbwarn(child->check_clashing(calendar, slot, resource)))
             return zbpass(ZBLOC);
     return ZBErrC_ok;

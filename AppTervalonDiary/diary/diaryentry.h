@@ -242,6 +242,7 @@ private:
     ZBCalcPair<char> m_entryType;
     // Held here, in the byte after the type, so that it takes no room of its own.
     bool m_needRecalculate;
+    long m_lastRecalculate = -1;
     EntryProperties m_props;
     // The facets that most entries leave at their defaults are made on the
     // first edit; until then get_ gives a shared default one. None of them

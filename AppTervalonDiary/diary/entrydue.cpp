@@ -393,7 +393,8 @@ void EntryDue::recalculate_due()
     }
     // The due that the planner derived flows back.
     const EntryPlan& plan = entry->get_plan();
-    if (plan.get_preddue().is_ok() && plan.get_preddue_id() > 0
+    // Its own due coming back is only an older copy of what the user set.
+    if (plan.get_preddue().is_ok() && plan.get_preddue_id() > 0 && plan.get_preddue_id() != entry->get_id()
         && (!due.calc.is_ok() || due.calc < plan.get_preddue())) {
         due.set_calc(plan.get_preddue());
         entry->set_due_id(plan.get_preddue_id());

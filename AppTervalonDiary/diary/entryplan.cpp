@@ -193,7 +193,7 @@ ZBDuration EntryPlan::get_unplanned_time(const ZBDate& date) const
     const DiaryEntry* entry = get_entry();
     if (!entry)
         return ZBDuration();
-    const EntryDue& due = entry->get_due_facet();
+    const ZBProgress& length = entry->get_duration().calc;
     const ZBDate& startAfter = entry->get_start().calc;
     const ZBDate& dueDate = entry->get_due().calc;
     const bool repeating = entry->get_repeat().is_repeating();
@@ -201,18 +201,18 @@ ZBDuration EntryPlan::get_unplanned_time(const ZBDate& date) const
     ZBDuration wanted;
     ZBDuration planned;
     if (!repeating || !dueDate.is_ok() || date < dueDate) {
-        wanted = due.get_remaining_calc();
+        wanted = length.get_remaining();
         // Work that cannot begin for more than a day, or the next instance
         // of a repeat that is done for now, needs its whole length.
         if (startAfter.is_ok() && date.is_ok() && startAfter - date > day)
-            wanted = due.get_duration_calc();
+            wanted = length.get_duration();
         else if (wanted <= 0 && repeating && startAfter.is_ok() && date < startAfter)
-            wanted = due.get_duration_calc();
+            wanted = length.get_duration();
         const ZBDate from = startAfter.is_ok() ? startAfter : ZBDate(ZBDate::E_Zero);
         const ZBDate to = dueDate.is_ok() ? dueDate : (m_planned.empty() ? from : m_planned.end());
         planned = from < to ? m_planned.query_range(ZBDateSlot(from, to), -1) : ZBDuration();
     } else {
-        wanted = due.get_duration_calc();
+        wanted = length.get_duration();
         // The instance that holds date: the rule's found around it.
         std::vector<ZBDateSlot> found;
         const ZBDateSlot around(date - ZBDuration(400 * std::int64_t(ZBDate::C_DaySecs)), date + day);
@@ -320,7 +320,7 @@ void EntryPlan::rationalise_plans(int resource)
     for (int i = 0; i < m_planned.size(); ++i)
         if (counts(*m_planned[i]))
             planned += m_planned[i]->get_duration();
-    ZBDuration surplus = planned - entry->get_due_facet().get_remaining_orig();
+    ZBDuration surplus = planned - entry->get_duration().orig.get_remaining();
     for (int i = 0; surplus > 0 && i < m_planned.size();) {
         const ZBDateSetEntry& session = *m_planned[i];
         if (!counts(session)) {
@@ -379,12 +379,12 @@ bool EntryPlan::calc_isplanned(const DiaryEntry& entry)
         else
             time = planned.duration();
     }
-    const ZBDuration remaining = entry.get_due_facet().get_remaining_orig();
+    const ZBDuration remaining = entry.get_duration().orig.get_remaining();
     const ZBDate& startAfter = entry.get_start().calc;
     if (remaining > 0)
         return !(time < remaining);
     if (startAfter.is_ok() && now < startAfter)
-        return !(time < entry.get_due_facet().get_duration_orig());
+        return !(time < entry.get_duration().orig.get_duration());
     return true;
 }
 
@@ -406,12 +406,11 @@ bool EntryPlan::calc_overrun(const DiaryEntry& entry)
     if (entry.get_derived_entrytype() != 'T' || entry.is_complete())
         return false;
     const EntryPlan& plan = entry.get_plan();
-    const EntryDue& length = entry.get_due_facet();
     // Work the planner could not book at all (its resource has no time, or
     // it waits in a loop) is late whether or not it has a due date.
     if (!due.is_ok())
         return plan.m_predictedTrans
-               && plan.get_planned().duration() + plan.get_predicted().duration() < length.get_remaining_orig();
+               && plan.get_planned().duration() + plan.get_predicted().duration() < entry.get_duration().orig.get_remaining();
     const ZBDate now = ZBDateUtils::now();
     if (!entry.get_repeat().is_repeating()) {
         const ZBDate& end = entry.get_time().calc.m_end;
@@ -420,10 +419,10 @@ bool EntryPlan::calc_overrun(const DiaryEntry& entry)
     } else if (!plan.get_planned().empty() || !plan.get_predicted().empty()) {
         const ZBDuration fixed =
             now < due ? plan.get_planned().query_range(ZBDateSlot(now, due), -1) : ZBDuration();
-        ZBDuration required = length.get_remaining_orig();
+        ZBDuration required = entry.get_duration().orig.get_remaining();
         const ZBDate& startAfter = entry.get_start().calc;
         if (!(required > 0) && startAfter.is_ok() && now < startAfter)
-            required = length.get_duration_orig();
+            required = entry.get_duration().orig.get_duration();
         if (fixed < required) {
             const ZBDate end = plan.get_predicted().time_after(required - fixed);
             if (end.is_ok() && due < end)
@@ -432,7 +431,7 @@ bool EntryPlan::calc_overrun(const DiaryEntry& entry)
     }
     if (plan.m_predictedTrans) {
         const ZBDuration total = plan.get_planned().duration() + plan.get_predicted().duration();
-        if (total < length.get_remaining_orig())
+        if (total < entry.get_duration().orig.get_remaining())
             return true;
     }
     return false;
