@@ -772,6 +772,8 @@ int Diary::full_recalculate()
 int Diary::calculate_time_allocation()
 {
     TimeAllocator allocator;
+    // A background pass whose diary is going away stops between stages.
+    allocator.set_stopping([this] { return is_recalc_stopping(); });
     if (iszbwarn(allocator.start(*this)) || iszbwarn(allocator.allocate(*this)) || iszbwarn(allocator.complete(*this)))
         return zbpass(ZBLOC);
     if (iszbwarn(check_clashing()))
