@@ -83,7 +83,7 @@ void json_plan(const DiaryEntry& entry, QJsonObject& object)
         clashes.append(qstr(title));
     object["clashes"] = clashes;
     object["likelyOverdue"] = plan.could_overrun();
-    object["isPlanned"] = plan.get_is_planned();
+    object["isPlanned"] = entry.is_planned();
 }
 
 QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)

@@ -96,7 +96,7 @@ DiaryEntry::DiaryEntry()
 DiaryEntry::DiaryEntry(const DiaryEntry& other)
     : ZBDEntry(other), m_startSource(other.m_startSource), m_dueSource(other.m_dueSource),
       m_prioritySource(other.m_prioritySource), m_entryType(other.m_entryType),
-      m_needRecalculate(other.m_needRecalculate), m_props(other.m_props),
+      m_needRecalculate(other.m_needRecalculate), m_notPlanned(other.m_notPlanned), m_props(other.m_props),
       m_dueFacet(copy_facet(other.m_dueFacet)), m_baseline(copy_facet(other.m_baseline)), m_erepeat(copy_facet(other.m_erepeat)),
       m_oldRepeat(other.m_oldRepeat ? new ZBDateRepeat(*other.m_oldRepeat) : nullptr), m_priorityFacet(other.m_priorityFacet), m_spent(copy_facet(other.m_spent)),
       m_etime(other.m_etime), m_plan(copy_facet(other.m_plan)), m_depend(copy_facet(other.m_depend)), m_command(copy_facet(other.m_command)),
@@ -129,6 +129,7 @@ DiaryEntry& DiaryEntry::operator=(const DiaryEntry& other)
     m_depend = copy_facet(other.m_depend);
     m_command = copy_facet(other.m_command);
     m_needRecalculate = other.m_needRecalculate;
+    m_notPlanned = other.m_notPlanned;
     m_planStart = other.m_planStart;
     m_mustStart = other.m_mustStart;
     attach_facets();
@@ -229,8 +230,14 @@ EntryPlan& DiaryEntry::edit_plan()
     if (!m_plan) {
         m_plan.reset(new EntryPlan());
         m_plan->attach(this);
+        m_plan->set_is_planned(!m_notPlanned);
     }
     return *m_plan;
+}
+
+bool DiaryEntry::is_planned() const
+{
+    return m_plan ? m_plan->is_planned() : !m_notPlanned;
 }
 
 const EntryDepend& DiaryEntry::get_depend() const
@@ -1164,9 +1171,14 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
         keep_due_pass(due, !iszbwarn(result));
         if (iszbwarn(result))
             return zbpass(ZBLOC);
-        // Most entries are planned and keep the shared facet until they are not.
-        if (need && (m_plan || !EntryPlan::calc_isplanned(*this)))
-            edit_plan().recalculate_isplanned(need);
+        // Most entries keep the shared plan facet: the state lives here until
+        // the entry has a plan of its own.
+        if (need) {
+            if (m_plan)
+                m_plan->recalculate_isplanned(need);
+            else
+                m_notPlanned = !EntryPlan::calc_isplanned(*this);
+        }
     }
     if (phase == 5 || all) {
         if (m_plan || EntryPlan::calc_overrun(*this))

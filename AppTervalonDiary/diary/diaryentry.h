@@ -102,6 +102,10 @@ public:
     EntryTime& edit_etime() { return m_etime; }
     const EntryPlan& get_plan() const;
     EntryPlan& edit_plan();
+    // Whether fixed plans cover the work left. Most entries are planned, or
+    // not yet, without any fixed plan: the answer is kept here until the
+    // entry needs a plan of its own.
+    bool is_planned() const;
     const EntryDepend& get_depend() const;
     EntryDepend& edit_depend();
     const EntryCommand& get_command() const;
@@ -242,6 +246,7 @@ private:
     ZBCalcPair<char> m_entryType;
     // Held here, in the byte after the type, so that it takes no room of its own.
     bool m_needRecalculate;
+    bool m_notPlanned = false;
     long m_lastRecalculate = -1;
     EntryProperties m_props;
     // The facets that most entries leave at their defaults are made on the

@@ -362,7 +362,7 @@ bool EntryPlan::calc_isplanned(const DiaryEntry& entry)
 {
     if (entry.get_nchildren() > 0) {
         for (const DiaryEntry* child : entry.get_children())
-            if (!child->is_deleted() && !child->get_plan().is_planned())
+            if (!child->is_deleted() && !child->is_planned())
                 return false;
         return true;
     }

@@ -208,7 +208,7 @@ void EntryPriority::recalculate_priority(Diary* diary)
             calc += C_PriorityDue + offset;
         else if (entry->get_derived_entrytype() == 'A' && start.is_ok() && start < now && !running)
             calc += C_PriorityDue + offset;
-        else if (mustStart.is_ok() && mustStart <= now && !entry->get_plan().get_is_planned()
+        else if (mustStart.is_ok() && mustStart <= now && !entry->is_planned()
                  && entry->get_nchildren() == 0)
             calc += C_PriorityUrgent + offset;
         else if (entry->get_plan().should_start())

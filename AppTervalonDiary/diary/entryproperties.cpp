@@ -162,7 +162,7 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
             m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
         if (appointment && start.is_ok() && start < now && !running)
             m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
-        if (mustStart.is_ok() && mustStart <= now && !plan.get_is_planned() && leaf)
+        if (mustStart.is_ok() && mustStart <= now && !entry->is_planned() && leaf)
             m_notify.emplace_back(Diary::C_NotifyUrgent, priority, "Urgent: " + title, id, blank);
         if (plan.could_overrun() && leaf && !plan.should_start())
             m_notify.emplace_back(Diary::C_NotifyDelayed, priority, "Delayed: " + title, id, blank);

@@ -27,7 +27,8 @@ TEST_F(EntryStorage, TheLatestStartFollowsTheDueAndThePlannersOwnStandsOverIt)
     plan();
     EXPECT_EQ(task->get_muststart(), at("10-Mar-2026 14:00"));
     // Work left and no fixed plans: the entry holds that it is not planned.
-    EXPECT_FALSE(task->get_plan().is_planned());
+    EXPECT_FALSE(task->is_planned());
+    EXPECT_TRUE(shares_plan(*task)) << "and that takes no plan facet";
     EXPECT_TRUE(shares_due(*task));
     DiaryEntry copy(*task);
     EXPECT_EQ(copy.get_muststart(), at("10-Mar-2026 14:00"));

@@ -233,16 +233,16 @@ TEST_F(Plans, PlannedStateFollowsTheFixedTimeBeforeTheDue)
             task->edit_due().set_orig(at(row.due));
         plan_hours(task, row.session.first, row.session.second);
         plan();
-        EXPECT_EQ(task->get_plan().is_planned(), row.planned) << row.length << " " << row.due;
+        EXPECT_EQ(task->is_planned(), row.planned) << row.length << " " << row.due;
     }
     DiaryEntry* parent = add(nullptr, "Parent", 'O');
     DiaryEntry* done = add(parent, "Done");
     DiaryEntry* open = add(parent, "Open");
     set_length(open, 1);
     plan();
-    EXPECT_TRUE(done->get_plan().is_planned());
-    EXPECT_FALSE(open->get_plan().is_planned());
-    EXPECT_FALSE(parent->get_plan().is_planned());
+    EXPECT_TRUE(done->is_planned());
+    EXPECT_FALSE(open->is_planned());
+    EXPECT_FALSE(parent->is_planned());
 }
 
 TEST_F(Plans, OverrunAndShouldStartReadTheRightSessions)
