@@ -290,8 +290,8 @@ int AppScreenshots::show_message()
 {
     ZBMessageBoxQt* box = ZBMessageBoxQt::start(
         ZBIdList(), "saveFailed", "Save Failed",
-        "The diary could not be saved. Your changes are kept in memory and in the partial file; "
-        "free some space and save again.",
+        "The diary could not be saved. Your changes are kept in memory and in the partial file. "
+        "Do you want to try again once you have freed some space?",
         ZBMessageBoxQt::E_Warning, ZBMessageBox::C_Yes, ZBMessageBox::C_No, QString(), QString(),
         "Could not write to the file /home/user/Documents/Diary.zbd\n  Location: LibDatabase/db/zbdatabase.cpp:461\n"
         "  No space left on device");
