@@ -8,6 +8,8 @@
 #include "LibDatabase/db/zbdbobject.h"
 #include "LibDatabase/db/zbexprevaluator.h"
 
+#include <algorithm>
+#include <cctype>
 #include <regex>
 
 using namespace Tervalon;
@@ -17,11 +19,19 @@ TERVALON_FUZZ_INIT
 namespace {
 
 // Only the plain decimal form of a number: a string that merely looks like one
-// ('+3', '.1', '007') rightly evaluates to another text.
+// ('+3', '.1', '007') rightly evaluates to another text, and so does a string of
+// more digits than a number holds ('77777777777777777777' is a text, not a
+// number the evaluator could have printed).
 bool is_plain_number(const std::string& text)
 {
     static const std::regex plain("-?(0|[1-9][0-9]*)(\\.[0-9]*[1-9])?");
-    return text != "-0" && std::regex_match(text, plain);
+    if (text == "-0" || !std::regex_match(text, plain))
+        return false;
+    std::size_t digits = 0;
+    for (char c : text)
+        digits += std::isdigit(static_cast<unsigned char>(c)) ? 1 : 0;
+    const std::size_t leadingZeros = text.find_first_not_of("-0.");
+    return digits - (leadingZeros == std::string::npos ? 0 : std::count(text.begin(), text.begin() + leadingZeros, '0')) <= 15;
 }
 
 } // namespace

@@ -28,13 +28,17 @@ struct Value {
             return number != 0 ? "true" : "false";
         if (std::isnan(number))
             return "NaN";
-        if (std::floor(number) == number && std::fabs(number) < 1e15) {
+        // Whole numbers a double holds exactly are written out in full.
+        if (std::floor(number) == number && std::fabs(number) < 9007199254740992.0) {
             char buffer[32];
             std::snprintf(buffer, sizeof buffer, "%.0f", number);
             return buffer;
         }
+        // Otherwise fifteen significant digits: every decimal of that length
+        // reads back to the same text, so a value worked out again from its own
+        // text never drifts, and sums such as 0.1 + 0.2 still print as 0.3.
         char buffer[64];
-        std::snprintf(buffer, sizeof buffer, "%.10g", number);
+        std::snprintf(buffer, sizeof buffer, "%.15g", number);
         return buffer;
     }
     double num() const

@@ -48,3 +48,30 @@ TEST(ExpressionDepth, DeepTextIsRefusedWithAMessageNotACrash)
             EXPECT_NE(std::string::npos, message.find("nested more than")) << message;
     }
 }
+
+TEST(ExpressionNumbers, APrintedNumberReadsBackToItselfWithoutLosingDigits)
+{
+    struct Row {
+        const char* text;
+        const char* result;
+    };
+    const Row rows[] = {
+        {"12345678.123 + 0", "12345678.123"},
+        {"0.1 + 0.2", "0.3"},
+        {"2 / 3", "0.666666666666667"},
+        {"9007199254740991 + 0", "9007199254740991"},
+        {"1e20 + 0", "1e+20"},
+        {"'77777777777777777777'", "77777777777777777777"},
+    };
+    for (const Row& row : rows) {
+        std::string result;
+        std::string message;
+        ASSERT_TRUE(ZBExprEvaluator::evaluate(row.text, result, message)) << row.text << ": " << message;
+        EXPECT_EQ(row.result, result) << row.text;
+        if (std::string(row.text).front() != '\'') {
+            std::string again;
+            ASSERT_TRUE(ZBExprEvaluator::evaluate(result, again, message));
+            EXPECT_EQ(result, again) << row.text;
+        }
+    }
+}
