@@ -1227,11 +1227,11 @@ void DiaryEntry::recalculate_baseline()
             else
                 duration += baseline.get_calc_duration();
             const ZBDateSlot& own = baseline.get_calc_startend();
-            if (!own.m_start.is_ok())
+            if (!own.m_start.is_ok() || own.m_start.is_zero())
                 noStart = true;
             else if (!slot.m_start.is_ok() || own.m_start < slot.m_start)
                 slot.m_start = own.m_start;
-            if (own.m_end.is_ok() && (!slot.m_end.is_ok() || slot.m_end < own.m_end))
+            if (own.m_end.is_ok() && !own.m_end.is_zero() && (!slot.m_end.is_ok() || slot.m_end < own.m_end))
                 slot.m_end = own.m_end;
         }
         if (noHours)

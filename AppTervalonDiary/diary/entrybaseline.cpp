@@ -91,9 +91,17 @@ int EntryBaseline::string_to_btype(const std::string& text)
     return 0;
 }
 
+namespace {
+// A zero date marks dates that are to be taken again: it is not a date.
+bool is_set_date(const ZBDate& date)
+{
+    return date.is_ok() && !date.is_zero();
+}
+} // namespace
+
 bool EntryBaseline::is_set() const
 {
-    return !m_duration.calc.is_zero() || m_startEnd.calc.m_end.is_ok();
+    return !m_duration.calc.is_zero() || is_set_date(m_startEnd.calc.m_end);
 }
 
 void EntryBaseline::update_calcs(const ZBDuration& completed, const ZBDuration& remaining, const ZBDate& end,
@@ -111,7 +119,7 @@ void EntryBaseline::update_calcs(const ZBDuration& completed, const ZBDuration& 
     const ZBDate& finish = m_startEnd.calc.m_end;
     const ZBDate now = ZBDateUtils::now();
 
-    const bool progressive = m_progressive && start.is_ok() && finish.is_ok() && budget > ZBDuration();
+    const bool progressive = m_progressive && is_set_date(start) && is_set_date(finish) && budget > ZBDuration();
     ZBDuration target;
     if (progressive) {
         target = budget;
@@ -142,7 +150,7 @@ void EntryBaseline::update_calcs(const ZBDuration& completed, const ZBDuration& 
     }
 
     m_timeState = E_StateNone;
-    if (finish.is_ok()) {
+    if (is_set_date(finish)) {
         if (!(now < finish)) {
             m_aheadSchedule = finish - (end.is_ok() ? end : now);
             // Work that is all done and ended in time stays good after the date.
@@ -188,7 +196,7 @@ int EntryBaseline::auto_save(const ZBDuration& duration, const ZBDateSlot& slot)
         break;
     }
     if ((m_autoEntryBaseline == E_HoursDate || m_autoEntryBaseline == E_FollowHoursDate)
-        && !m_startEnd.orig.m_start.is_ok() && slot.m_start.is_ok()) {
+        && !is_set_date(m_startEnd.orig.m_start) && is_set_date(slot.m_start)) {
         m_startEnd.set_orig(slot);
         changed = true;
     }
