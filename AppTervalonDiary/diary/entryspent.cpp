@@ -67,8 +67,8 @@ int EntrySpent::serialise_facet(ZBObject& owner, std::istream* in, std::ostream*
     // The running session goes with the file, so that it runs on after a reload.
     ZBDate runStart = has_running_session() ? m_currentSession.m_start : ZBDate(ZBDate::E_Blank);
     int runResource = has_running_session() ? m_currentSession.m_type : -1;
-    owner.serialise_field<ZBDate>(in, out, prefix, "rs", runStart, ZBDate::C_Blank);
-    owner.serialise_field<int>(in, out, prefix, "rr", runResource, -1);
+    owner.serialise_field<ZBDate>(in, out, prefix, "cs", runStart, ZBDate::C_Blank);
+    owner.serialise_field<int>(in, out, prefix, "cr", runResource, -1);
     if (in) {
         if (runResource >= 0 && runStart.is_ok()) {
             // The end is where the last update left it: the finished part
