@@ -26,6 +26,8 @@
 #include "AppTervalonDiary/cli/cmdshell.h"
 #include "AppTervalonDiary/cli/cmdsnapshots.h"
 #include "AppTervalonDiary/cli/cmdrestore.h"
+#include "AppTervalonDiary/cli/cmdtimesheet.h"
+#include "AppTervalonDiary/cli/cmdreport.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
@@ -66,6 +68,8 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdShell(*this)));
     add_command(std::unique_ptr<CliCommand>(new CmdSnapshots()));
     add_command(std::unique_ptr<CliCommand>(new CmdRestore()));
+    add_command(std::unique_ptr<CliCommand>(new CmdTimesheet()));
+    add_command(std::unique_ptr<CliCommand>(new CmdReport()));
 }
 
 TervalonCli::~TervalonCli() = default;

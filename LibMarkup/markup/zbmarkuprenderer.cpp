@@ -207,16 +207,9 @@ int ZBMarkupRenderer::element_size(const ZBMarkupElement& element)
     return paragraph_size(holder);
 }
 
-int ZBMarkupRenderer::start_page(const ZBMarkupPage& page, std::ostream& out)
-{
-    if (page.get_title().empty())
-        return ZBErrC_ok;
-    TextState& state = m_text;
-    write_text(out, page.get_title());
-    out << '\n' << std::string(size_t(text_width(page.get_title())), '=') << "\n\n";
-    state.atLineStart = true;
-    return ZBErrC_ok;
-}
+// The title is for a window or a browser tab; a page that wants it seen
+// starts with a header of its own.
+int ZBMarkupRenderer::start_page(const ZBMarkupPage&, std::ostream&) { return ZBErrC_ok; }
 
 int ZBMarkupRenderer::end_page(const ZBMarkupPage&, std::ostream& out)
 {

@@ -48,7 +48,7 @@ TEST_F(TextRendererTest, WidthsCountCharactersNotBytes)
     }
 }
 
-TEST_F(TextRendererTest, HeadersIndentsAndTitle)
+TEST_F(TextRendererTest, HeadersAndIndentsButNoTitle)
 {
     ZBMarkupPage page("Week");
     page.add_paragraph("Summary", 1);
@@ -57,8 +57,7 @@ TEST_F(TextRendererTest, HeadersIndentsAndTitle)
     body->add_text(" end");
     page.add_paragraph();
     page.add_paragraph("last");
-    EXPECT_EQ("Week\n====\n\n"
-              "Summary\n=======\n"
+    EXPECT_EQ("Summary\n=======\n"
               "  Detail\n  ------\n"
               "    first\n    second end\n"
               "\n"
