@@ -31,6 +31,8 @@
 #include "AppTervalonDiary/cli/cmdsession.h"
 #include "AppTervalonDiary/cli/cmdsessions.h"
 #include "AppTervalonDiary/cli/cmdbaseline.h"
+#include "AppTervalonDiary/cli/cmdtimesheet.h"
+#include "AppTervalonDiary/cli/cmdreport.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
@@ -76,6 +78,8 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdSession()));
     add_command(std::unique_ptr<CliCommand>(new CmdSessions()));
     add_command(std::unique_ptr<CliCommand>(new CmdBaseline()));
+    add_command(std::unique_ptr<CliCommand>(new CmdTimesheet()));
+    add_command(std::unique_ptr<CliCommand>(new CmdReport()));
 }
 
 TervalonCli::~TervalonCli() = default;
