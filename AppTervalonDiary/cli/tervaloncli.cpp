@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/cli/cmdaction.h"
 #include "AppTervalonDiary/cli/cmdadd.h"
 #include "AppTervalonDiary/cli/cmdalerts.h"
 #include "AppTervalonDiary/cli/cmdplan.h"
@@ -66,6 +67,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdShell(*this)));
     add_command(std::unique_ptr<CliCommand>(new CmdSnapshots()));
     add_command(std::unique_ptr<CliCommand>(new CmdRestore()));
+    add_command(std::unique_ptr<CliCommand>(new CmdAction()));
 }
 
 TervalonCli::~TervalonCli() = default;
