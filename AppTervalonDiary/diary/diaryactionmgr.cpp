@@ -800,7 +800,8 @@ int DiaryActionMgr::run_entry_action(const std::string& name, const DiaryActionP
         const int resourceId = param.m_userId >= 0 ? param.m_userId
                                : resource          ? resource->get_id()
                                                    : entry->get_props().get_resource_calc();
-        entry->edit_spent().start_session(now, resourceId);
+        // A running session is known by its resource, so it always has one.
+        entry->edit_spent().start_session(now, resourceId >= 0 ? resourceId : std::max(0, diary.get_default_resource_id()));
         diary.set_session_id(entry->get_id());
         entry->mark_changed(ZBLOC, true);
         result = run_auto_command(*entry, param, true);
@@ -874,12 +875,12 @@ int DiaryActionMgr::run_entry_action(const std::string& name, const DiaryActionP
         result = run_command(all);
         undo = name == C_ActCommandRun ? "Run Command" : "Run All Commands";
     } else if (name == C_ActCommandSkip || name == C_ActCommandClear) {
-        EntryCommand& commands = entry->edit_command();
-        if (name == C_ActCommandSkip)
-            commands.mark_command(param.m_selectedCmd);
-        else
-            commands.clear_command(param.m_selectedCmd);
-        entry->mark_changed(ZBLOC, true);
+        if (name == C_ActCommandSkip) {
+            result = mark_command(*entry, param.m_selectedCmd);
+        } else {
+            entry->edit_command().clear_command(param.m_selectedCmd);
+            entry->mark_changed(ZBLOC, true);
+        }
         undo = name == C_ActCommandSkip ? "Skip Command" : "Clear Command";
     } else if (name == C_ActNote) {
         return zbwarnuser(ZBErrC_ActionRefused, ZBLOC, "Notes cannot be kept in this version of the diary.");
@@ -1008,6 +1009,14 @@ int DiaryActionMgr::run_one_command(DiaryEntry& entry, const std::string& tag)
         break;
     }
     }
+    return mark_command(entry, tag);
+}
+
+int DiaryActionMgr::mark_command(DiaryEntry& entry, const std::string& tag)
+{
+    EntryCommand& commands = entry.edit_command();
+    if (iszbwarn(commands.update_commands()))
+        return zbpass(ZBLOC);
     commands.mark_command(tag);
     entry.mark_changed(ZBLOC, true);
     // A list marked to end the task completes it once everything has run;

@@ -167,6 +167,9 @@ public:
     // is marked to start automatically, at its end each marked to end; a
     // command marked "=0" stops the list. Does not close an undo step.
     int run_auto_command(DiaryEntry& entry, const DiaryActionParam& param, bool start);
+    // Marks a command of the entry as run; once all have run a journal is
+    // done, and so is a task whose list has a command for its end.
+    int mark_command(DiaryEntry& entry, const std::string& tag);
 
     // What the last run has to tell the user besides its result: reminders,
     // URLs handed to the desktop, commands that cannot run yet.
