@@ -86,6 +86,26 @@ void json_plan(const DiaryEntry& entry, QJsonObject& object)
     object["isPlanned"] = entry.is_planned();
 }
 
+// The time spent, and how the entry stands against its baseline (null without one).
+void json_spent(const DiaryEntry& entry, QJsonObject& object)
+{
+    object["spent"] = double(entry.get_spent().get_time_spent().get_as_seconds());
+    const EntryBaseline& baseline = entry.get_baseline();
+    if (!baseline.is_set()) {
+        object["baseline"] = QJsonValue(QJsonValue::Null);
+        return;
+    }
+    QJsonObject grade;
+    grade["duration"] = double(baseline.get_calc_duration().get_as_seconds());
+    grade["start"] = json_date(baseline.get_calc_startend().m_start);
+    grade["end"] = json_date(baseline.get_calc_startend().m_end);
+    grade["budgetState"] = baseline.get_state();
+    grade["timeState"] = baseline.get_time_state();
+    grade["text"] = qstr(baseline.get_text());
+    grade["timeText"] = qstr(baseline.get_time_text());
+    object["baseline"] = grade;
+}
+
 QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
 {
     const EntryPriority& priority = entry.get_priority_facet();
@@ -121,7 +141,22 @@ QJsonObject json_entry(const Diary& diary, const DiaryEntry& entry)
     }
     object["notifications"] = notifications;
     json_plan(entry, object);
+    json_spent(entry, object);
     return object;
+}
+
+// The running session of the diary, or null.
+QJsonValue json_session(const Diary& diary)
+{
+    const DiaryEntry* entry = diary.get_session_entry();
+    if (!entry)
+        return QJsonValue(QJsonValue::Null);
+    const ZBDateSetEntry& running = entry->get_spent().get_current_session();
+    QJsonObject session;
+    session["id"] = entry->get_id();
+    session["start"] = json_date(running.m_start);
+    session["resource"] = qstr(resource_name(diary, running.m_type));
+    return session;
 }
 
 std::string text_date(const ZBDate& date)
@@ -189,6 +224,7 @@ int CmdPlan::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::
         for (const DiaryEntry* entry : entries)
             array.append(json_entry(*diary, *entry));
         root["entries"] = array;
+        root["session"] = json_session(*diary);
         QJsonArray checker;
         for (int i = 0; i < diary->get_checker().get_nitems(); ++i) {
             const ZBDBCheckItem* item = diary->get_checker().get_item_by_index(i);
@@ -205,6 +241,9 @@ int CmdPlan::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::
         context.out << QJsonDocument(root).toJson(QJsonDocument::Indented).toStdString();
     } else {
         std::string text = "Now: " + text_date(ZBDateUtils::now()) + "\n";
+        if (const DiaryEntry* running = diary->get_session_entry())
+            text += "Session: " + std::to_string(running->get_id()) + " " + running->get_summary() + " since "
+                    + text_date(running->get_spent().get_current_session().m_start) + "\n";
         char head[512];
         std::snprintf(head, sizeof head, "%5s %c %-24s %4s %-10s %-10s %-16s %-16s %7s %7s %12s %s\n", "Id", 'T',
                       "Title", "Done", "Resource", "Time type", "Start after", "Due", "Length", "Left",

@@ -9,7 +9,7 @@
 namespace Tervalon {
 
 namespace {
-void print_entry(std::string& text, const DiaryEntry& entry, int depth)
+void print_entry(std::string& text, const DiaryEntry& entry, int depth, int running)
 {
     text.append(size_t(depth) * 2, ' ');
     text += std::to_string(entry.get_id());
@@ -32,9 +32,11 @@ void print_entry(std::string& text, const DiaryEntry& entry, int depth)
     char percent[32];
     std::snprintf(percent, sizeof(percent), "  %g%%", entry.get_duration().orig.get_completion());
     text += percent;
+    if (entry.get_id() == running)
+        text += "  [session since " + entry.get_spent().get_current_session().m_start.to_string("%Y-%m-%d %H:%M") + "]";
     text += '\n';
     for (const DiaryEntry* child : entry.get_children())
-        print_entry(text, *child, depth + 1);
+        print_entry(text, *child, depth + 1, running);
 }
 } // namespace
 
@@ -45,11 +47,13 @@ int CmdTree::run_on(CliContext& context, ZBDatabase& db, const std::vector<std::
         return report_failure(context, zberrorvalue());
     // Written in pieces of some 16 kB, a top-level entry at a time: few
     // writes, and the text of a large diary is never held whole.
+    const DiaryEntry* session = diary->get_session_entry();
+    const int running = session ? session->get_id() : -1;
     const size_t piece = 16 * 1024;
     std::string text;
     text.reserve(piece + piece / 4);
     for (int i = 0; i < diary->get_nentries(); ++i) {
-        print_entry(text, *diary->get_entry_index(i), 0);
+        print_entry(text, *diary->get_entry_index(i), 0, running);
         if (text.size() >= piece) {
             context.out << text;
             text.clear();

@@ -27,6 +27,11 @@
 #include "AppTervalonDiary/cli/cmdshell.h"
 #include "AppTervalonDiary/cli/cmdsnapshots.h"
 #include "AppTervalonDiary/cli/cmdrestore.h"
+#include "AppTervalonDiary/cli/cmdstart.h"
+#include "AppTervalonDiary/cli/cmdstop.h"
+#include "AppTervalonDiary/cli/cmdsession.h"
+#include "AppTervalonDiary/cli/cmdsessions.h"
+#include "AppTervalonDiary/cli/cmdbaseline.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
@@ -68,6 +73,11 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdSnapshots()));
     add_command(std::unique_ptr<CliCommand>(new CmdRestore()));
     add_command(std::unique_ptr<CliCommand>(new CmdAction()));
+    add_command(std::unique_ptr<CliCommand>(new CmdStart()));
+    add_command(std::unique_ptr<CliCommand>(new CmdStop()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSession()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSessions()));
+    add_command(std::unique_ptr<CliCommand>(new CmdBaseline()));
 }
 
 TervalonCli::~TervalonCli() = default;

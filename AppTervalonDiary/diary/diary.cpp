@@ -634,6 +634,7 @@ std::vector<const ZBDBCheckItem*> Diary::get_circular_dependencies() const
 void Diary::containers_resolved()
 {
     ZBDiary::containers_resolved();
+    find_running_session();
 }
 
 void Diary::build_entry_table()
@@ -810,6 +811,7 @@ int Diary::recalculate(E_RecalcLevel level)
                 return zbpass(ZBLOC);
         }
         repair_orig_ids();
+        update_session();
         // What the thread finished goes in before the entries are worked over.
         if (iszbwarn(m_recalcMgr.load_background(*this)))
             return zbpass(ZBLOC);
@@ -1023,6 +1025,77 @@ int Diary::move_plan(int entryId, int sequence, bool up, ZBCalendar* calendar)
     lateSet.add(lateMoved, late.m_type);
     earlyEntry->edit_plan().edit_planned().add(earlyMoved, early.m_type);
     return ZBErrC_ok;
+}
+
+// ---------------------------------------------------------------- the running session
+
+void Diary::find_running_session()
+{
+    // One session runs in a diary. A file that holds more (a merge of two
+    // copies) keeps the latest one running; the others end where their time
+    // was last recorded, which is already among their sessions.
+    m_sessionId = -1;
+    DiaryEntry* running = nullptr;
+    for (int i = 0; i < get_nobjects(); ++i) {
+        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(get_object_by_index(i));
+        if (!entry || !entry->get_spent().has_running_session())
+            continue;
+        if (entry->is_deleted()) {
+            entry->edit_spent().drop_running_session();
+            continue;
+        }
+        if (running && !(running->get_spent().get_current_session().m_start < entry->get_spent().get_current_session().m_start)) {
+            entry->edit_spent().drop_running_session();
+            continue;
+        }
+        if (running)
+            running->edit_spent().drop_running_session();
+        running = entry;
+    }
+    if (running)
+        m_sessionId = running->get_id();
+}
+
+DiaryEntry* Diary::get_session_entry() const
+{
+    if (m_sessionId < 0)
+        return nullptr;
+    DiaryEntry* entry = get_entry_id(m_sessionId);
+    return entry && !entry->is_deleted() && entry->get_spent().has_running_session() ? entry : nullptr;
+}
+
+ZBDateSetEntry Diary::get_current_session() const
+{
+    const DiaryEntry* entry = get_session_entry();
+    return entry ? entry->get_spent().get_current_session() : ZBDateSetEntry(ZBDateSlot(), -1);
+}
+
+int Diary::start_session(int entryId, int resource)
+{
+    stop_session();
+    DiaryEntry* entry = get_entry_id(entryId);
+    if (!entry || entry->is_deleted())
+        return ZBErrC_ok;
+    if (resource < 0 || !get_resource_by_id(resource))
+        resource = entry->get_props().get_resource_calc();
+    if (resource < 0 || !get_resource_by_id(resource))
+        resource = get_default_resource_id();
+    entry->edit_spent().start_session(resource);
+    m_sessionId = entryId;
+    return ZBErrC_ok;
+}
+
+void Diary::stop_session()
+{
+    if (DiaryEntry* entry = get_session_entry())
+        entry->edit_spent().stop_session();
+    m_sessionId = -1;
+}
+
+void Diary::update_session()
+{
+    if (DiaryEntry* entry = get_session_entry())
+        entry->edit_spent().update_session();
 }
 
 } // namespace Tervalon

@@ -109,6 +109,20 @@ public:
     bool is_recalc_stopping() const;
     int get_session_id() const { return m_sessionId; }
     void set_session_id(int id) { m_sessionId = id; }
+
+    // ---- The running session: one per diary, on the entry m_sessionId names.
+    // Stops the running session first (its time is kept), then starts one on
+    // the entry for resource (negative: the entry's own). A missing entry
+    // starts nothing.
+    int start_session(int entryId, int resource);
+    // Ends the running session now; nothing when none runs.
+    void stop_session();
+    // Brings the running session's time up to now.
+    void update_session();
+    // The running session (resource -1 when none) and its entry (null when none).
+    ZBDateSetEntry get_current_session() const;
+    DiaryEntry* get_session_entry() const;
+    // ---- End of the running session.
     bool has_plans() const { return m_hasPlans; }
 
     // Resolves every entry's dependencies into the flat lists the planner
@@ -192,6 +206,8 @@ private:
     void build_entry_table();
     void repair_orig_ids();
     void setup_default_calendar();
+    // Finds the entry whose session runs, after a load or an undo.
+    void find_running_session();
     const Resource* resource_or_first(int id) const;
 
     ZBDBContainer<DiaryEntry> m_entries;

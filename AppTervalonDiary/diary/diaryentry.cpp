@@ -698,6 +698,7 @@ void DiaryEntry::move_instance(const ZBDate& start, const ZBDate& end)
 
 int DiaryEntry::mark_complete(const ZBDate& date)
 {
+    // The work stops with the completion, at its date; its time is kept.
     if (m_spent)
         m_spent->stop_session(date);
     if (Diary* diary = get_diary())
@@ -1163,6 +1164,7 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
         EntryDue& due = due_pass();
         due.recalculate_start_after();
         due.recalculate_due();
+        recalculate_spent(need);
         const int result = due.recalculate_autocompletion(need);
         if (!iszbwarn(result)) {
             m_etime.recalculate_date();
@@ -1185,6 +1187,7 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
             edit_plan().recalculate_overruns();
         m_priorityFacet.recalculate_priority(diary);
         m_props.update_alerts(diary, false);
+        recalculate_baseline();
         update_first_plan();
         // A new entry is filled in after it is made, often without a mark;
         // its first pass in the tree does everything again.
@@ -1193,6 +1196,60 @@ int DiaryEntry::recalculate(int phase, Diary* diary, int cycle)
         m_lastRecalculate = get_last_update();
     }
     return ZBErrC_ok;
+}
+
+void DiaryEntry::recalculate_spent(bool need)
+{
+    if (!need)
+        return;
+    // Most entries have no time of their own or below: no facet is made for them.
+    bool any = m_spent != nullptr;
+    for (const DiaryEntry* child : get_children())
+        any = any || !child->get_spent().get_time_spent().is_zero();
+    if (!any && get_nchildren() == 0 && get_derived_entrytype() == 'J')
+        any = m_time.orig.m_start.is_ok() && m_time.orig.m_start < m_time.orig.m_end;
+    if (any)
+        edit_spent().recalculate_spent(need);
+}
+
+void DiaryEntry::recalculate_baseline()
+{
+    ZBDuration duration;
+    ZBDateSlot slot;
+    if (get_nchildren() > 0) {
+        // A parent's baseline holds only when every child has one.
+        bool noHours = false;
+        bool noStart = false;
+        for (const DiaryEntry* child : get_children()) {
+            const EntryBaseline& baseline = child->get_baseline();
+            if (baseline.get_calc_duration().is_zero())
+                noHours = true;
+            else
+                duration += baseline.get_calc_duration();
+            const ZBDateSlot& own = baseline.get_calc_startend();
+            if (!own.m_start.is_ok() || own.m_start.is_zero())
+                noStart = true;
+            else if (!slot.m_start.is_ok() || own.m_start < slot.m_start)
+                slot.m_start = own.m_start;
+            if (own.m_end.is_ok() && !own.m_end.is_zero() && (!slot.m_end.is_ok() || slot.m_end < own.m_end))
+                slot.m_end = own.m_end;
+        }
+        if (noHours)
+            duration = ZBDuration();
+        if (noStart)
+            slot = ZBDateSlot();
+    }
+    if (!m_baseline && duration.is_zero() && !slot.m_end.is_ok())
+        return;
+    EntryBaseline& baseline = edit_baseline();
+    // Work done is the time recorded in sessions; without any, the done part of the length.
+    const ZBDuration remaining = m_duration.calc.get_remaining();
+    ZBDuration completed = get_spent().get_time_spent();
+    if (completed.is_zero())
+        completed = m_duration.calc.get_duration() - remaining;
+    baseline.update_calcs(completed, remaining, m_etime.get_calc_date().m_end, duration, slot);
+    if (baseline.auto_save(m_duration.calc.get_duration(), m_etime.get_calc_date()) == ZBErrC_okHandled)
+        changed();
 }
 
 void DiaryEntry::recalculate_recalculate(int cycle)

@@ -195,6 +195,11 @@ public:
     // Dates, resource and time type from the parent; priority reset for the pass.
     int recalculate_push_down(Diary* diary);
     void update_first_plan();
+    // Grades the entry against its baseline (a parent's from its children's)
+    // and freezes an automatic one.
+    void recalculate_baseline();
+    // Own sessions plus the children's time.
+    void recalculate_spent(bool need);
     // Whether this pass must do the per-entry work in full: a settled entry
     // skips it except once in ten cycles.
     void recalculate_recalculate(int cycle);

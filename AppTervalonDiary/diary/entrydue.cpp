@@ -480,26 +480,9 @@ void EntryDue::recalculate_duration(bool need)
 
 ZBDuration EntryDue::total_spent(const DiaryEntry& entry, const ZBDate& from)
 {
-    const EntrySpent& spent = entry.get_spent();
-    const ZBDate now = ZBDateUtils::now();
-    ZBDuration total;
-    const ZBDateSet& sessions = spent.get_sessions();
-    for (int i = 0; i < sessions.size(); ++i) {
-        const ZBDateSetEntry& session = *sessions[i];
-        ZBDate start = session.m_start;
-        if (from.is_ok() && start < from)
-            start = from;
-        if (start < session.m_end)
-            total += session.m_end - start;
-    }
-    if (spent.has_running_session()) {
-        ZBDate start = spent.get_current_session().m_start;
-        if (from.is_ok() && start < from)
-            start = from;
-        if (start < now)
-            total += now - start;
-    }
-    return total;
+    // The running session is already among the sessions up to its last
+    // update; it is counted once, up to now.
+    return entry.get_spent().get_spent(ZBDateSlot(from, ZBDate(ZBDate::E_Blank)), -1);
 }
 
 void EntryDue::store_completion(double percent)
