@@ -126,6 +126,11 @@ int CliDiary::set_field(Diary& diary, DiaryEntry& entry, const std::string& fiel
         if (iszbwarn(rule.from_string(value)))
             return zbpass(ZBLOC);
         entry.edit_repeat() = rule;
+    } else if (field == "commands") {
+        // One command a line, or lines joined by ';'; checked before it is kept.
+        if (iszbwarn(EntryCommand::validate(value)))
+            return zbpass(ZBLOC);
+        entry.edit_command().set_expanded_command(value);
     } else {
         return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "Unknown field: %s", field.c_str());
     }

@@ -9,7 +9,7 @@ class CmdSet : public CliFileCommand {
 public:
     std::string name() const override { return "set"; }
     std::string usage() const override { return "set FILE ID FIELD VALUE"; }
-    std::string summary() const override { return "Set a field of an entry: title, details, due, start, priority, completion, duration, repeat, type."; }
+    std::string summary() const override { return "Set a field of an entry: title, details, due, start, priority, completion, duration, repeat, type, commands."; }
     bool writes() const override { return true; }
 
 protected:

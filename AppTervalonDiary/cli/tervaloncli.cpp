@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/cli/tervaloncli.h"
+#include "AppTervalonDiary/cli/cmdaction.h"
 #include "AppTervalonDiary/cli/cmdadd.h"
 #include "AppTervalonDiary/cli/cmdalerts.h"
 #include "AppTervalonDiary/cli/cmdplan.h"
@@ -73,6 +74,7 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdShell(*this)));
     add_command(std::unique_ptr<CliCommand>(new CmdSnapshots()));
     add_command(std::unique_ptr<CliCommand>(new CmdRestore()));
+    add_command(std::unique_ptr<CliCommand>(new CmdAction()));
     add_command(std::unique_ptr<CliCommand>(new CmdStart()));
     add_command(std::unique_ptr<CliCommand>(new CmdStop()));
     add_command(std::unique_ptr<CliCommand>(new CmdSession()));

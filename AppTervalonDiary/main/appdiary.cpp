@@ -1,6 +1,7 @@
 #include "AppTervalonDiary/main/appdiary.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "AppTervalonDiary/main/appscreenshots.h"
+#include "AppTervalonDiary/main/desktopurlopener.h"
 #include "LibDatabase/qt/zbdbmanagerqt.h"
 #include "LibDatabase/db/zbdatabase.h"
 #include "LibCore/error/zberror.h"
@@ -100,6 +101,7 @@ int AppDiary::run()
     const std::string screenshots = screenshots_argument();
     if (!screenshots.empty())
         return run_screenshots(screenshots);
+    DesktopUrlOpener::install();
     check_file_url(m_diaryDB);
     load_recent();
     std::string file = m_diaryDB.empty() ? get_first_file() : m_diaryDB;
