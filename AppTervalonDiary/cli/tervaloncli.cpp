@@ -26,6 +26,10 @@
 #include "AppTervalonDiary/cli/cmdshell.h"
 #include "AppTervalonDiary/cli/cmdsnapshots.h"
 #include "AppTervalonDiary/cli/cmdrestore.h"
+#include "AppTervalonDiary/cli/cmdshow.h"
+#include "AppTervalonDiary/cli/cmdsummary.h"
+#include "AppTervalonDiary/cli/cmdplanning.h"
+#include "AppTervalonDiary/cli/cmdproject.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
@@ -66,6 +70,10 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdShell(*this)));
     add_command(std::unique_ptr<CliCommand>(new CmdSnapshots()));
     add_command(std::unique_ptr<CliCommand>(new CmdRestore()));
+    add_command(std::unique_ptr<CliCommand>(new CmdShow()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSummary()));
+    add_command(std::unique_ptr<CliCommand>(new CmdPlanning()));
+    add_command(std::unique_ptr<CliCommand>(new CmdProject()));
 }
 
 TervalonCli::~TervalonCli() = default;
