@@ -513,9 +513,17 @@ int DiaryDisplay::dump_markup(const DiaryEntry& entry, ZBMarkupPage& page, int f
     for (const auto& item : entry.get_depend().get_depends(m_diary, true, 0))
         depends += (depends.empty() ? "" : "; ") + item.first;
     add_row(*fields, "Depends On", depends);
+    // What this entry holds up: the entries it was set to block and those
+    // that wait for it of their own accord.
     std::string blocks;
+    std::unordered_set<int> blocked;
     for (const auto& item : entry.get_depend().get_blocks(m_diary, true, 0))
-        blocks += (blocks.empty() ? "" : "; ") + item.first;
+        if (blocked.insert(item.second).second)
+            blocks += (blocks.empty() ? "" : "; ") + item.first;
+    for (int other : entry.get_depend().get_depend_on_this())
+        if (const DiaryEntry* waiting = m_diary.get_entry_id(other))
+            if (blocked.insert(other).second)
+                blocks += (blocks.empty() ? "" : "; ") + waiting->get_summary();
     add_row(*fields, "Blocks", blocks);
     if (!plan.get_planned().empty())
         add_row(*fields, "Planned Times",
@@ -524,7 +532,7 @@ int DiaryDisplay::dump_markup(const DiaryEntry& entry, ZBMarkupPage& page, int f
     if (!plan.get_predicted().empty())
         add_row(*fields, "Predicted Times",
                 display_dateset(entry, plan.get_predicted(), ZBDateSlot()) + "\n" +
-                    time_text(plan.get_predicted().duration()) + " predicted)");
+                    "(" + time_text(plan.get_predicted().duration()) + " predicted)");
     const ZBDuration& spent = entry.get_spent().get_time_spent();
     const ZBDuration sessions = entry.get_spent().get_sessions().duration();
     if (!spent.is_zero() || !sessions.is_zero())

@@ -272,8 +272,12 @@ int ZBDSummaryPage::get_due_today(Diary& diary, const DiaryDisplay& display, int
         m_counts.count(entry->get_priority().calc);
         if (entry->get_derived_entrytype() != 'T' || entry->is_complete())
             continue;
-        preTime += entry->get_plan().get_pretime();
-        placed[place(*entry, today, tomorrow)].push_back(entry);
+        const E_Placement where = place(*entry, today, tomorrow);
+        // Work that should have been done already joins today's need, unless
+        // the whole of the task is counted there anyway.
+        if (where != E_PlaceCompleteToday)
+            preTime += entry->get_plan().get_pretime();
+        placed[where].push_back(entry);
     }
     const int order = diary.get_settings().get_summary_sortorder();
     for (int p = 0; p < C_NPlacements; ++p) {
@@ -389,10 +393,19 @@ int ZBDSummaryPage::get_planning(Diary& diary, const DiaryDisplay& display, int 
     for (int i = 0; i < diary.get_ntimetypes(); ++i)
         if (const TimeType* type = diary.get_timetype_by_index(i))
             m_timeTypes.emplace_back(diary, type->get_id(), type->get_name());
+    // An appointment that blocks time, or keeps no type of the user's, is
+    // shown with the first time type rather than lost.
+    auto type_of = [this](const DiaryEntry& entry) {
+        const int id = entry.get_props().get_timetype_calc();
+        for (const TimeTypeInfo& info : m_timeTypes)
+            if (info.get_timetype() == id)
+                return id;
+        return m_timeTypes.empty() ? id : m_timeTypes.front().get_timetype();
+    };
     for (TimeTypeInfo& info : m_timeTypes) {
         std::vector<DiaryEntry*> mine;
         for (DiaryEntry* entry : work)
-            if (entry->get_props().get_timetype_calc() == info.get_timetype())
+            if (type_of(*entry) == info.get_timetype())
                 mine.push_back(entry);
         const ZBDuration total = info.available(period, owner);
         if (mine.empty() && total.is_zero())

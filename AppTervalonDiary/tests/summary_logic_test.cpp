@@ -124,8 +124,9 @@ protected:
     }
     void predict(DiaryEntry* entry, const std::string& from, const std::string& to, const std::string& ideal = "")
     {
+        // Booked time carries the resource it was booked from.
         ZBDateSet sessions;
-        sessions.add(ZBDateSlot(at(from), at(to)), 0);
+        sessions.add(ZBDateSlot(at(from), at(to)), entry->get_props().get_resource_calc());
         entry->edit_plan().add_predicted(ideal.empty() ? at(from) : at(ideal), ZBDate(ZBDate::E_Blank), sessions,
                                          ZBDate(ZBDate::E_Blank), -1, ZBDate(ZBDate::E_Blank), -1, ZBDuration());
     }
@@ -150,7 +151,8 @@ TEST_F(SummaryPlacement, EachRuleSendsATaskToItsList)
     DiaryEntry* booked = task("Booked today");
     predict(booked, "2-Mar-2026 10:00", "2-Mar-2026 12:00");
     DiaryEntry* fixed = task("Fixed today");
-    fixed->edit_plan().edit_planned().add(ZBDateSlot(at("2-Mar-2026 14:00"), at("2-Mar-2026 15:00")), 0);
+    fixed->edit_plan().edit_planned().add(ZBDateSlot(at("2-Mar-2026 14:00"), at("2-Mar-2026 15:00")),
+                                          fixed->get_props().get_resource_calc());
     DiaryEntry* ideal = task("Ideal today");
     predict(ideal, "4-Mar-2026 09:00", "4-Mar-2026 10:00", "2-Mar-2026 16:00");
     DiaryEntry* tomorrow = task("Tomorrow");
@@ -183,6 +185,8 @@ TEST_F(SummaryPlacement, DayPageCountsLeavesOnlyAndAddsPreTimeToTodaysNeed)
     plan();
     overdue->edit_priority().set_calc(410.0);
     project->edit_priority().set_calc(410.0); // a parent is never counted
+    // Only the hour set here is booked today, whatever the pass predicted.
+    booked->edit_plan().clear_predicted(true);
     predict(booked, "2-Mar-2026 10:00", "2-Mar-2026 11:00");
     ZBDateSet none;
     booked->edit_plan().add_predicted(ZBDate(ZBDate::E_Blank), ZBDate(ZBDate::E_Blank), none,
