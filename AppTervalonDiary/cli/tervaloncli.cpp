@@ -34,6 +34,10 @@
 #include "AppTervalonDiary/cli/cmdbaseline.h"
 #include "AppTervalonDiary/cli/cmdtimesheet.h"
 #include "AppTervalonDiary/cli/cmdreport.h"
+#include "AppTervalonDiary/cli/cmdshow.h"
+#include "AppTervalonDiary/cli/cmdsummary.h"
+#include "AppTervalonDiary/cli/cmdplanning.h"
+#include "AppTervalonDiary/cli/cmdproject.h"
 #include "AppTervalonDiary/diary/appdiaryinfo.h"
 #include "LibCore/error/zberror.h"
 #include "LibCore/param/zbparam.h"
@@ -82,6 +86,10 @@ TervalonCli::TervalonCli()
     add_command(std::unique_ptr<CliCommand>(new CmdBaseline()));
     add_command(std::unique_ptr<CliCommand>(new CmdTimesheet()));
     add_command(std::unique_ptr<CliCommand>(new CmdReport()));
+    add_command(std::unique_ptr<CliCommand>(new CmdShow()));
+    add_command(std::unique_ptr<CliCommand>(new CmdSummary()));
+    add_command(std::unique_ptr<CliCommand>(new CmdPlanning()));
+    add_command(std::unique_ptr<CliCommand>(new CmdProject()));
 }
 
 TervalonCli::~TervalonCli() = default;
