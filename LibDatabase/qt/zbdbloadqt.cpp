@@ -237,7 +237,7 @@ void ZBDBLoadQt::load_step4()
         return;
     }
     get_zberror().clear_all();
-    ZBMessageBoxQt* box = ZBMessageBoxQt::question(
+    ZBMessageBoxQt::question(
         this, &ZBDBLoadQt::lock_choice, "Load File",
         QString::fromStdString(zb_sprintf(ZBLockFile::C_LockedQuestion, m_file.c_str())), ZBMessageBox::C_Quit,
         C_OpenAnyway, C_TryAgain, &m_manager);

@@ -86,8 +86,11 @@ ZBDBManagerQt::ZBDBManagerQt(ZBDatabase* database, QWidget* parent)
     connect(m_frequentTimer, &QTimer::timeout, this, [this]() { frequent_timer_expired(); });
     connect(m_interactionTimer, &QTimer::timeout, this, [this]() { m_updateDue = true; });
     build_toolbar();
-    if (qApp)
+    if (qApp) {
         qApp->installEventFilter(this);
+        connect(qApp, &QGuiApplication::applicationStateChanged, this,
+                [this](Qt::ApplicationState state) { app_state_changed(state); });
+    }
     resize(480, 200);
 }
 
@@ -686,28 +689,6 @@ int ZBDBManagerQt::do_periodic_update()
     if (update_data_needed())
         report(update_data());
 
-    m_notifyList.reset();
-    const ZBDBChecker& checker = m_database->get_checker();
-    for (int i = 0; i < checker.get_nitems() && i < C_MaxCheckItems; ++i) {
-        const ZBDBCheckItem* item = checker.get_item_by_index(i);
-        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0, item->get_short_message(), item->get_id(), ZBDate()));
-    }
-    report(generate_notify(m_notifyList));
-    if (iszbwarn(validate_specs())) {
-        get_zberror().clear_all();
-        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0, "Object spec errors", C_SpecParseError, ZBDate()));
-    }
-    if (iszbwarn(validate_queries())) {
-        get_zberror().clear_all();
-        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0, "Query errors", C_SpecParseError, ZBDate()));
-    }
-    std::string script;
-    std::string message;
-    int line = 0;
-    if (get_error_script(script, line, message))
-        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0,
-                                      "Script errors in " + script + " " + std::to_string(line) + ": " + message,
-                                      C_ScriptError, ZBDate()));
     notify_update();
 
     if (idle && (autosave || level != ZBDatabase::E_RecalcFull)) {
@@ -732,9 +713,9 @@ int ZBDBManagerQt::do_periodic_update()
 
 void ZBDBManagerQt::on_db_changed()
 {
+    // The update rebuilds the notification list too, so the user's change shows at once everywhere.
     if (is_loaded())
         do_periodic_update();
-    m_notifyList.reset();
     update_display();
 }
 
@@ -803,16 +784,22 @@ void ZBDBManagerQt::app_state_changed(Qt::ApplicationState state)
 {
     if (!is_loaded())
         return;
-    if (state != Qt::ApplicationActive) {
-        report(do_autosave(false));
+    if (state == Qt::ApplicationActive) {
+        const bool wasPaused = m_pause;
+        m_pause = false;
+        if (wasPaused && (m_lastUpdate < 0 || now() - m_lastUpdate > C_MaxRecalcWait))
+            report(update_calcs());
+        return;
+    }
+    // Leaving for another program saves what is waiting. Only a suspended
+    // program stops its heartbeat: on a desktop the window keeps planning and
+    // reminding while the user works elsewhere.
+    report(do_autosave(false));
+    if (state == Qt::ApplicationSuspended) {
         m_pause = true;
         if (m_database->needs_save() && m_database->get_autosave())
             report(m_database->save(false, false, false));
-        return;
     }
-    m_pause = false;
-    if (m_lastUpdate < 0 || now() - m_lastUpdate > C_MaxRecalcWait)
-        report(update_calcs());
 }
 
 // ---- Hooks ----
@@ -882,6 +869,28 @@ bool ZBDBManagerQt::get_error_script(std::string&, int&, std::string&) const
 
 void ZBDBManagerQt::notify_update()
 {
+    m_notifyList.reset();
+    const ZBDBChecker& checker = m_database->get_checker();
+    for (int i = 0; i < checker.get_nitems() && i < C_MaxCheckItems; ++i) {
+        const ZBDBCheckItem* item = checker.get_item_by_index(i);
+        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0, item->get_short_message(), item->get_id(), ZBDate()));
+    }
+    report(generate_notify(m_notifyList));
+    if (iszbwarn(validate_specs())) {
+        get_zberror().clear_all();
+        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0, "Object spec errors", C_SpecParseError, ZBDate()));
+    }
+    if (iszbwarn(validate_queries())) {
+        get_zberror().clear_all();
+        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0, "Query errors", C_SpecParseError, ZBDate()));
+    }
+    std::string script;
+    std::string message;
+    int line = 0;
+    if (get_error_script(script, line, message))
+        m_notifyList.add(ZBNotifyItem(C_NotifySystem, 300.0,
+                                      "Script errors in " + script + " " + std::to_string(line) + ": " + message,
+                                      C_ScriptError, ZBDate()));
     m_notifyList.update();
 }
 

@@ -114,7 +114,6 @@ public:
     void set_pause(bool pause) { m_pause = pause; }
     // Marks user input: an update waits until the user has been idle a while.
     void mark_interact();
-    static void mark_interact_all();
     void app_state_changed(Qt::ApplicationState state);
     // The clock of the heartbeat, in seconds; tests give their own.
     void set_clock(std::function<long long()> now) { m_clock = std::move(now); }
@@ -165,8 +164,9 @@ public:
     virtual int validate_queries();
     // The first script with an error, if any.
     virtual bool get_error_script(std::string& name, int& line, std::string& message) const;
-    // Brings the notification list up to date with this round's items; the
-    // single place that talks to the list's timing.
+    // Rebuilds the notification list for this round: the data check's
+    // findings (the first C_MaxCheckItems), the derived window's items, spec,
+    // query and script errors; the one place that talks to the list.
     virtual void notify_update();
 
 public slots:

@@ -42,7 +42,7 @@ void ZBDBUnloadQt::step1()
         return;
     }
     if (m_db.get_autosave()) {
-        save_choice(ZBMessageBox::C_Save);
+        save_choice(QString::fromStdString(ZBMessageBox::key_of(ZBMessageBox::C_Save)));
         return;
     }
     ZBMessageBoxQt* box = ZBMessageBoxQt::start(

@@ -215,3 +215,21 @@ TEST_F(DBWindowQt, TheSettingsPageWritesBackOnlyWhenRead)
     press(box, "Ok");
     EXPECT_FALSE(ZBDatabase::list_snapshots(file).empty());
 }
+
+TEST_F(DBWindowQt, ClosingWithAutosaveOnSavesWithoutAsking)
+{
+    const std::string file = path("autosave close.zbd");
+    int a = -1;
+    make_file(file, &a);
+    ZBDBManagerQt window(new ZBDatabase());
+    ASSERT_EQ(window.do_load(file, std::string(), ZBDBManagerQt::E_LoadPlain), ZBErrC_ok);
+    window.show();
+    window.get_database()->set_autosave(true);
+    ASSERT_EQ(set_x(*window.get_database(), a, "3", "Change"), ZBErrC_ok);
+    EXPECT_TRUE(window.close());
+    EXPECT_EQ(find_box(""), nullptr);
+    EXPECT_FALSE(window.is_loaded());
+    ZBDatabase again;
+    ASSERT_EQ(again.read(file), ZBErrC_ok);
+    EXPECT_EQ(x_of(again, a), "3");
+}
