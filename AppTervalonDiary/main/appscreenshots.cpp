@@ -444,6 +444,7 @@ int AppScreenshots::show_load()
     // The first run, with nothing to open.
     if (!iszbwarn(result)) {
         ZBFirstRunQt* first = new ZBFirstRunQt;
+        first->start();
         result = save(first, "firstRunDialog");
         if (!iszbwarn(result)) {
             first->choose(ZBFirstRunQt::E_Shared);

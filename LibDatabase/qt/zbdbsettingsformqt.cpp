@@ -15,7 +15,7 @@
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -48,6 +48,8 @@ ZBDBSettingsFormQt::ZBDBSettingsFormQt(ZBDatabase& db, ZBDBManagerQt* manager, Q
     m_backups->setObjectName("backupsField");
     m_backups->setRange(0, 50);
     m_backups->setValue(db.get_backup_count());
+    // A count of a few: a narrow field reads as one.
+    m_backups->setMaximumWidth(m_backups->fontMetrics().horizontalAdvance("0000") + 48);
     m_backups->setToolTip("The system can automatically keep backups of this file.   How many do you want to keep?");
     fields->addRow("&Snapshots to Keep", m_backups);
     m_autosave = new QCheckBox("Save &automatically", this);
@@ -74,7 +76,7 @@ ZBDBSettingsFormQt::ZBDBSettingsFormQt(ZBDatabase& db, ZBDBManagerQt* manager, Q
     layout->addWidget(startup);
 
     QGroupBox* upkeep = new QGroupBox("Snapshots and upkeep", this);
-    QHBoxLayout* buttons = new QHBoxLayout(upkeep);
+    QGridLayout* buttons = new QGridLayout(upkeep);
     struct Button {
         const char* text;
         const char* name;
@@ -89,14 +91,18 @@ ZBDBSettingsFormQt::ZBDBSettingsFormQt(ZBDatabase& db, ZBDBManagerQt* manager, Q
          &ZBDBSettingsFormQt::clean_file},
         {"Error Log", "errorLog", "Show the log of errors.", &ZBDBSettingsFormQt::show_error_log},
     };
+    int n = 0;
     for (const Button& b : list) {
         QPushButton* button = new QPushButton(b.text, upkeep);
         button->setObjectName(b.name);
         button->setToolTip(b.tip);
         auto slot = b.slot;
         connect(button, &QPushButton::clicked, this, [this, slot]() { (this->*slot)(); });
-        buttons->addWidget(button);
+        // Two by two, snapshots above upkeep, each button as wide as its words.
+        buttons->addWidget(button, n / 2, n % 2);
+        ++n;
     }
+    buttons->setColumnStretch(2, 1);
     upkeep->setEnabled(db.is_loaded() && !db.is_read_only());
     layout->addWidget(upkeep);
     layout->addStretch(1);

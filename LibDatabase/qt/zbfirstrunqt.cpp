@@ -107,6 +107,8 @@ QWidget* ZBFirstRunQt::make_start_page()
     for (const Choice& c : choices) {
         QCommandLinkButton* button = new QCommandLinkButton(c.title, c.text, page);
         button->setObjectName(c.name);
+        button->setAutoDefault(false);
+        button->setDefault(c.choice == E_Create);
         E_Choice choice = c.choice;
         connect(button, &QCommandLinkButton::clicked, this, [this, choice]() { choose(choice); });
         layout->addWidget(button);
@@ -147,6 +149,9 @@ QWidget* ZBFirstRunQt::make_file_page(E_Choice choice, const QString& heading, c
 
 void ZBFirstRunQt::start()
 {
+    // The likeliest answer has the focus, so Return starts a new file.
+    if (QWidget* first = findChild<QWidget*>("createChoice"))
+        first->setFocus();
     // Window-modal but not blocking: the rest of the load waits on the signal.
     open();
 }
