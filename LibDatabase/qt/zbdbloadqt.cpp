@@ -139,7 +139,7 @@ void ZBDBLoadQt::load_step2(int code)
 
 void ZBDBLoadQt::load_step3()
 {
-    if (QFileInfo::exists(q(m_file))) {
+    if (QFileInfo(q(m_file)).isFile()) {
         load_step4();
         return;
     }

@@ -138,8 +138,19 @@ int ZBDBManagerQt::start(const std::string& file, int periodic, int detail, int 
     return start(file, E_CreateIfMissing, periodic, detail, interaction);
 }
 
+int ZBDBManagerQt::refuse_folder(const std::string& file)
+{
+    // A folder is no damaged file that a backup could replace: none of the
+    // load questions fits, so the caller is told at once.
+    if (!file.empty() && QFileInfo(q(file)).isDir())
+        return zbwarnuser(ZBErrC_FileOpen, ZBLOC, "%s is a folder, not a data file.", file.c_str());
+    return ZBErrC_ok;
+}
+
 int ZBDBManagerQt::start(const std::string& file, int flags, int periodic, int detail, int interaction)
 {
+    if (iszbwarn(refuse_folder(file)))
+        return zbpass(ZBLOC);
     m_periodic = periodic;
     m_detail = detail;
     m_interaction = interaction;
@@ -159,6 +170,8 @@ int ZBDBManagerQt::start(const std::string& file, int flags, int periodic, int d
 
 int ZBDBManagerQt::do_load(const std::string& file, const std::string& previous, int flags)
 {
+    if (iszbwarn(refuse_folder(file)))
+        return zbpass(ZBLOC);
     ZBDBLoadQt::start_load(*m_database, file, previous, flags, *this);
     return is_loaded() && m_database->get_filename() == file ? ZBErrC_ok : ZBErrC_okNotFinished;
 }

@@ -189,6 +189,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    static int refuse_folder(const std::string& file);
     void build_toolbar();
     void report(int result);
 

@@ -1,4 +1,8 @@
 #include "LibDatabase/tests/dbwindow_qt_support.h"
+#include "LibDatabase/qt/zbfirstrunqt.h"
+
+#include <QLineEdit>
+#include <QListWidget>
 
 #include <QSysInfo>
 
@@ -277,4 +281,39 @@ TEST_F(DBWindowQt, CreatingOverAnExistingFileAsksBeforeAnythingIsLost)
             EXPECT_EQ(read_file(file), saved) << answer;
         }
     }
+}
+
+TEST_F(DBWindowQt, TheFirstRunCopiesAFileInWithoutEverOverwritingOne)
+{
+    const std::string shared = make_temp_dir("shared");
+    make_file(shared + "/Diary.zbd");
+    const std::string original = read_file(shared + "/Diary.zbd");
+    ZBFirstRunQt* first = new ZBFirstRunQt;
+    std::vector<std::string> copies;
+    for (int round = 0; round < 2; ++round) {
+        first->choose(ZBFirstRunQt::E_Shared);
+        first->get_path()->setText(QString::fromStdString(shared));
+        first->scan_shared(QString::fromStdString(shared));
+        ASSERT_EQ(first->get_shared_files()->count(), 1);
+        QString error;
+        copies.push_back(first->resolve(error).toStdString());
+        EXPECT_TRUE(error.isEmpty()) << error.toStdString();
+    }
+    // Two takes give two copies side by side; the shared file itself is left alone.
+    EXPECT_NE(copies[0], copies[1]);
+    EXPECT_EQ(read_file(copies[0]), original);
+    EXPECT_EQ(read_file(copies[1]), original);
+    EXPECT_EQ(read_file(shared + "/Diary.zbd"), original);
+    // A new file may not take the name of one that exists.
+    first->choose(ZBFirstRunQt::E_Create);
+    first->get_path()->setText(QString::fromStdString(copies[0]));
+    QString error;
+    EXPECT_TRUE(first->resolve(error).isEmpty());
+    EXPECT_FALSE(error.isEmpty());
+    // An empty shared folder says so.
+    first->choose(ZBFirstRunQt::E_Shared);
+    first->scan_shared(QString::fromStdString(make_temp_dir("empty")));
+    EXPECT_TRUE(first->resolve(error).isEmpty());
+    EXPECT_EQ(error.toStdString(), "No data file was found in that folder.");
+    delete first;
 }
