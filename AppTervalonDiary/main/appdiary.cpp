@@ -104,15 +104,15 @@ int AppDiary::run()
     DesktopUrlOpener::install();
     check_file_url(m_diaryDB);
     load_recent();
+    // A file named on the command line is made when missing; a remembered one
+    // that has gone is asked about; with neither, the first-run dialog asks.
     std::string file = m_diaryDB.empty() ? get_first_file() : m_diaryDB;
-    if (file.empty()) {
-        QDir().mkpath(QString::fromStdString(get_documents_dir()));
-        file = get_documents_dir() + "/Diary" + AppDiaryInfo::C_Extension;
-    }
-    file = QDir::current().absoluteFilePath(QString::fromStdString(file)).toStdString();
+    if (!file.empty())
+        file = QDir::current().absoluteFilePath(QString::fromStdString(file)).toStdString();
     ZBDBManagerQt* window = new ZBDBManagerQt(AppDiaryInfo::make_database());
     window->setAttribute(Qt::WA_DeleteOnClose);
-    int result = window->start(file, 60000, 300000, 15000);
+    int result = window->start(file, m_diaryDB.empty() ? ZBDBManagerQt::E_LoadPlain : ZBDBManagerQt::E_CreateIfMissing,
+                               60000, 300000, 15000);
     if (iszbwarn(result)) {
         delete window;
         return zbpass(ZBLOC);

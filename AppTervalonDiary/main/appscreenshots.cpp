@@ -4,6 +4,9 @@
 #include "AppTervalonDiary/diary/diaryentry.h"
 #include "LibCore/error/zberror.h"
 #include "LibDatabase/db/zbdatabase.h"
+#include "LibDatabase/db/zblockfile.h"
+#include "LibDatabase/qt/zbdbmanagerqt.h"
+#include "LibDatabase/qt/zbfirstrunqt.h"
 #include "LibGui/qt/zbbuttonboxqt.h"
 #include "LibGui/qt/zbdialogqt.h"
 #include "LibGui/qt/zbformitemqt.h"
@@ -22,10 +25,12 @@
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPixmap>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QSysInfo>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QVBoxLayout>
 
@@ -95,6 +100,27 @@ private:
     ZBFormQt* m_form;
 };
 
+// The newest question box the window shows.
+ZBMessageBoxQt* newest_box(QWidget& window)
+{
+    settle(50);
+    ZBMessageBoxQt* found = nullptr;
+    for (ZBMessageBoxQt* box : window.findChildren<ZBMessageBoxQt*>())
+        if (box->isVisible())
+            found = box;
+    return found;
+}
+
+int answer(ZBMessageBoxQt* box, const char* caption)
+{
+    QPushButton* button = box ? box->get_button(caption) : nullptr;
+    if (!button)
+        return zberror(ZBErrC_Error, ZBLOC, "The tour found no \"%s\" question to answer.", caption);
+    button->click();
+    settle(50);
+    return ZBErrC_ok;
+}
+
 } // namespace
 
 AppScreenshots::AppScreenshots(const std::string& folder, const std::string& file) : m_folder(folder), m_file(file) {}
@@ -110,7 +136,8 @@ int AppScreenshots::run()
         return zbpass(ZBLOC);
     for (int (AppScreenshots::*step)() : {&AppScreenshots::show_form, &AppScreenshots::show_container,
                                           &AppScreenshots::show_settings, &AppScreenshots::show_tree,
-                                          &AppScreenshots::show_message, &AppScreenshots::show_graph}) {
+                                          &AppScreenshots::show_message, &AppScreenshots::show_graph,
+                                          &AppScreenshots::show_load}) {
         result = (this->*step)();
         if (iszbwarn(result))
             return zbpass(ZBLOC);
@@ -347,6 +374,90 @@ int AppScreenshots::show_graph()
     graph->set_source(source, title);
     dialog.resize(640, 400);
     return save(&dialog);
+}
+
+int AppScreenshots::save_box(QWidget& window, const std::string& name, const char* caption)
+{
+    ZBMessageBoxQt* box = newest_box(window);
+    if (!box)
+        return zberror(ZBErrC_Error, ZBLOC, "The tour expected a question for %s.", name.c_str());
+    int result = save(box, name);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return answer(box, caption);
+}
+
+int AppScreenshots::show_load()
+{
+    // Every file of this part of the tour is made in a folder of its own,
+    // so the user's files and locks are never touched.
+    QTemporaryDir folder;
+    if (!folder.isValid())
+        return zbwarnuser(ZBErrC_FileCreate, ZBLOC, "Could not create a folder for the tour's files");
+    const std::string dir = folder.path().toStdString();
+    const std::string diary = dir + "/Diary" + AppDiaryInfo::C_Extension;
+    const std::string holiday = dir + "/Holiday" + AppDiaryInfo::C_Extension;
+    {
+        std::unique_ptr<ZBDatabase> db(AppDiaryInfo::make_database());
+        if (iszbwarn(db->load(holiday, true)) || iszbwarn(db->save(true, true, false)))
+            return zbpass(ZBLOC);
+        db->unload();
+    }
+    ZBDBManagerQt window(AppDiaryInfo::make_database());
+    // The window itself stays hidden: each question is a window of its own.
+    // The remembered file has gone: find it, make it, go back, or quit.
+    window.do_load(diary, holiday, ZBDBManagerQt::E_LoadPlain);
+    int result = save_box(window, "loadChoiceBox", "Quit");
+    // Another program has the file open.
+    ZBLockFile other;
+    if (!iszbwarn(result))
+        result = other.lock(holiday, false);
+    if (!iszbwarn(result)) {
+        window.do_load(holiday, std::string(), ZBDBManagerQt::E_LoadPlain);
+        result = save_box(window, "lockedFileBox", "Quit");
+    }
+    other.unlock();
+    // Closing with changes and autosave off.
+    if (!iszbwarn(result) && window.do_load(holiday, std::string(), ZBDBManagerQt::E_LoadPlain) != ZBErrC_ok)
+        result = zberror(ZBErrC_Error, ZBLOC, "The tour could not open its own file %s", holiday.c_str());
+    if (!iszbwarn(result)) {
+        ZBDatabase* db = window.get_database();
+        db->set_autosave(false);
+        db->set_comment("A note made by the tour");
+        db->mark_changed(ZBLOC, true);
+        db->complete_operation("Change Comment");
+        window.do_unload(true);
+        result = save_box(window, "saveOnCloseBox", "Cancel");
+    }
+    // The database page of the settings.
+    if (!iszbwarn(result)) {
+        ZBSettingsQt settings;
+        settings.set_restore_geom(false);
+        window.add_settings(settings);
+        settings.update_display();
+        QTabWidget* tabs = settings.get_tabs();
+        tabs->setCurrentIndex(tabs->count() - 1);
+        result = save(&settings, "databaseSettingsTab");
+    }
+    if (!iszbwarn(result))
+        result = window.do_unload(false) == ZBErrC_ok ? ZBErrC_ok : answer(newest_box(window), "Discard");
+    // The first run, with nothing to open.
+    if (!iszbwarn(result)) {
+        ZBFirstRunQt* first = new ZBFirstRunQt;
+        first->start();
+        result = save(first, "firstRunDialog");
+        if (!iszbwarn(result)) {
+            first->choose(ZBFirstRunQt::E_Shared);
+            first->get_path()->setText(folder.path());
+            first->scan_shared(folder.path());
+            result = save(first, "firstRunShared");
+        }
+        first->close();
+    }
+    settle(50);
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    return ZBErrC_ok;
 }
 
 } // namespace Tervalon

@@ -33,6 +33,9 @@ private:
     int show_tree();
     int show_message();
     int show_graph();
+    // The questions of opening and closing a file, its settings page and the first run.
+    int show_load();
+    int save_box(QWidget& window, const std::string& name, const char* caption);
 
     std::string m_folder;
     std::string m_file;

@@ -630,6 +630,14 @@ int ZBDatabase::load(const std::string& name, bool readOnly, bool create, const 
         int replay = m_dbIndex.changed_since_save() && exists(base)
             ? (m_baseFile = base, load_base())
             : load_partial(true);
+        if (iszbwarn(replay) && m_reportDamagedPartial) {
+            const std::string message = get_zberror().top() ? get_zberror().top()->get_message() : std::string();
+            pop_errors(errors);
+            // Read-only for the unload, so that the log and the index stay on disk for the user's choice.
+            m_readOnly = true;
+            unload();
+            return zbwarnuser(ZBErrC_CorruptPartial, ZBLOC, "%s", message.c_str());
+        }
         if (iszbwarn(replay)) {
             // The user keeps what the main file holds; the damaged log goes.
             m_recoveryMessage = get_zberror().top() ? get_zberror().top()->get_message() : std::string();

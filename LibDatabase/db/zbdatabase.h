@@ -156,6 +156,9 @@ public:
     const std::string& get_write_host() const { return m_writeHost; }
     const std::string& get_comment() const { return m_comment; }
     void set_comment(const std::string& comment) { m_comment = comment; }
+    // Where the links of notes lead; kept in the file.
+    const std::string& get_noteurl() const { return m_noteURL; }
+    void set_noteurl(const std::string& url) { m_noteURL = url; }
 
     // Objects. add_object takes the object only when it succeeds (a result
     // that is not a warning): refused, the object is still the caller's to free.
@@ -271,6 +274,10 @@ public:
     // (0 none, -1 the log was damaged and set aside, with its message).
     int get_recovered() const { return m_recovered; }
     const std::string& get_recovery_message() const { return m_recoveryMessage; }
+    // Whether a damaged log stops the load with ZBErrC_CorruptPartial, leaving
+    // every file as it was, so that a window can ask before anything is set
+    // aside. Off, the damaged log is set aside and the file loads as last saved.
+    void set_report_damaged_partial(bool on) { m_reportDamagedPartial = on; }
 
     // The findings of the data check about this database's objects.
     ZBDBChecker& get_checker() { return m_checker; }
@@ -388,6 +395,7 @@ private:
     bool m_forceRotation;
     int m_recovered;
     std::string m_recoveryMessage;
+    bool m_reportDamagedPartial = false;
     ZBMutex m_recalcMutex;
     mutable ZBMutex m_pauseMutex;
     ZBDBChecker m_checker;
