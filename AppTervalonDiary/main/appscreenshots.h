@@ -33,6 +33,7 @@ private:
     int show_tree();
     int show_message();
     int show_graph();
+    int show_notify();
 
     std::string m_folder;
     std::string m_file;
