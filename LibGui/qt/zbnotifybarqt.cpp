@@ -70,14 +70,22 @@ void ZBNotifyBarQt::update_display()
         hide();
         return;
     }
+    // The delegate's own row height: the tree's estimate is a few pixels
+    // more, and a collapsed bar would show a sliver of the second row.
+    const int rowHeight = m_tree->sizeHintForRow(0) > 0 ? m_tree->sizeHintForRow(0) : m_tree->item_height();
     const int frame = 2 * m_tree->frameWidth();
-    const int oneRow = m_tree->item_height() + frame;
+    const int oneRow = rowHeight + frame;
     int height = oneRow;
     if (m_expanded && rows > 1) {
-        const int limit = top != this ? top->height() / 2 : m_tree->contents_height();
-        height = std::max(oneRow, std::min(m_tree->contents_height(), limit));
+        const int all = rows * rowHeight + frame;
+        const int limit = top != this ? top->height() / 2 : all;
+        height = std::max(oneRow, std::min(all, limit));
     }
     m_expand->setEnabled(rows > 1);
+    // Collapsed, the button says how much is hidden behind the one row.
+    const bool hidden = !m_expanded && rows > 1;
+    m_expand->setText(hidden ? QString("%1 more").arg(rows - 1) : QString());
+    m_expand->setToolButtonStyle(hidden ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly);
     m_tree->setVerticalScrollBarPolicy(m_expanded ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     m_tree->setFixedHeight(height);
     setFixedHeight(height);

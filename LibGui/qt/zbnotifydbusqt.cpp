@@ -17,6 +17,10 @@ ZBNotifyDBusQt::ZBNotifyDBusQt(const QString& appName) : m_appName(appName) {}
 
 bool ZBNotifyDBusQt::is_available()
 {
+    // A desktop session names its bus; without one, finding a bus would mean
+    // launching one, slow and pointless when nothing serves notifications.
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        return false;
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || !bus.interface())
         return false;

@@ -31,7 +31,7 @@ ZBNotifyDialogQt::ZBNotifyDialogQt(QWidget* parent)
     m_message->setObjectName("notificationMessage");
     m_message->setWordWrap(true);
     m_message->setTextFormat(Qt::PlainText);
-    m_message->setMinimumWidth(320);
+    m_message->setMinimumWidth(420);
     m_message->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     QFont font = m_message->font();
     font.setPointSizeF(font.pointSizeF() * 1.15);

@@ -138,6 +138,9 @@ void ZBNotifyListQt::update_tree()
             }
         }
         m_tree->complete_refill();
+        // Rows are for clicking: a row picked in an earlier round means nothing now.
+        m_tree->clearSelection();
+        m_tree->setCurrentItem(nullptr);
     }
     if (m_bar)
         m_bar->update_display();

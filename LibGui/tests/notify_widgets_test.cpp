@@ -116,19 +116,23 @@ TEST_F(NotifyWidgets, TheBarHidesWhenEmptyShowsOneRowAndExpandsToHalfTheWindowAt
     round(rows(1));
     ASSERT_FALSE(m_bar->isHidden());
     const int oneRow = m_bar->height();
-    EXPECT_LE(oneRow, m_bar->get_tree()->item_height() + 2 * m_bar->get_tree()->frameWidth());
+    const int rowHeight = m_bar->get_tree()->sizeHintForRow(0);
+    ASSERT_GT(rowHeight, 0);
+    // One row and its frame: not a pixel of a second row.
+    EXPECT_EQ(oneRow, rowHeight + 2 * m_bar->get_tree()->frameWidth());
     EXPECT_FALSE(m_bar->get_expand_button()->isEnabled());
 
     round(rows(3));
     EXPECT_EQ(m_bar->height(), oneRow);
+    EXPECT_EQ(m_bar->get_expand_button()->text(), "2 more");
     m_bar->get_expand_button()->click();
     EXPECT_TRUE(m_bar->is_expanded());
-    EXPECT_GE(m_bar->height(), 3 * m_bar->get_tree()->item_height());
+    EXPECT_EQ(m_bar->height(), 3 * rowHeight + 2 * m_bar->get_tree()->frameWidth());
     EXPECT_LE(m_bar->height(), m_window.height() / 2);
 
     round(rows(200));
     EXPECT_LE(m_bar->height(), m_window.height() / 2);
-    EXPECT_GT(m_bar->height(), m_window.height() / 2 - m_bar->get_tree()->item_height() - 10);
+    EXPECT_GT(m_bar->height(), m_window.height() / 2 - rowHeight);
     // A smaller window makes the expanded bar smaller.
     m_window.resize(800, 300);
     QApplication::processEvents();
