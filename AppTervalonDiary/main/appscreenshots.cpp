@@ -13,6 +13,10 @@
 #include "LibGui/qt/zbformqt.h"
 #include "LibGui/qt/zbgraphqt.h"
 #include "LibGui/qt/zbmessageboxqt.h"
+#include "LibGui/qt/zbnotifybarqt.h"
+#include "LibGui/qt/zbnotifydialogqt.h"
+#include "LibGui/qt/zbnotifylistqt.h"
+#include "LibGui/qt/zbnotifysettingsqt.h"
 #include "LibGui/qt/zbsettingsformqt.h"
 #include "LibGui/qt/zbsettingsqt.h"
 #include "LibGui/qt/zbtreewidgetqt.h"
@@ -26,11 +30,13 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QPixmap>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QSysInfo>
 #include <QTemporaryDir>
+#include <QSystemTrayIcon>
 #include <QThread>
 #include <QVBoxLayout>
 
@@ -137,7 +143,7 @@ int AppScreenshots::run()
     for (int (AppScreenshots::*step)() : {&AppScreenshots::show_form, &AppScreenshots::show_container,
                                           &AppScreenshots::show_settings, &AppScreenshots::show_tree,
                                           &AppScreenshots::show_message, &AppScreenshots::show_graph,
-                                          &AppScreenshots::show_load}) {
+                                          &AppScreenshots::show_load, &AppScreenshots::show_notify}) {
         result = (this->*step)();
         if (iszbwarn(result))
             return zbpass(ZBLOC);
@@ -458,6 +464,79 @@ int AppScreenshots::show_load()
     if (iszbwarn(result))
         return zbpass(ZBLOC);
     return ZBErrC_ok;
+}
+
+int AppScreenshots::show_notify()
+{
+    // A window with the bar above its tabs, and the list behind both.
+    QMainWindow window;
+    window.setObjectName("notifyWindow");
+    window.setWindowTitle("Tervalon Diary");
+    QWidget* central = new QWidget;
+    QVBoxLayout* layout = new QVBoxLayout(central);
+    ZBNotifyBarQt* bar = new ZBNotifyBarQt;
+    layout->addWidget(bar);
+    QTabWidget* tabs = new QTabWidget;
+    tabs->setObjectName("mainTab");
+    ZBTreeWidgetQt* tree = new ZBTreeWidgetQt;
+    tree->setColumnCount(3);
+    tree->setHeaderLabels({"Title", "Type", "Due"});
+    tree->start_refill();
+    for (int i = 0; i < m_diary->get_nentries(); ++i)
+        add_entry(*tree, *m_diary->get_entry_index(i), -1);
+    tree->complete_refill();
+    tree->expandAll();
+    tree->resize_columns();
+    tabs->addTab(tree, "Tree");
+    tabs->addTab(new QWidget, "Planning");
+    tabs->addTab(new QWidget, "Week");
+    layout->addWidget(tabs, 1);
+    window.setCentralWidget(central);
+    window.resize(760, 520);
+
+    ZBNotifyListQt list;
+    list.initialise(bar->get_tree(), &window, bar);
+    list.set_trayicon(":/LibGui/images/32/Notify.svg");
+    list.add_scheme(new ZBNotifyScheme(900, "Overdue tasks", ZBNotifyScheme::E_Prompt, std::string(), true, {100, 62, 62}));
+    list.add_scheme(new ZBNotifyScheme(600, "Urgent tasks", ZBNotifyScheme::E_Prompt, std::string(), true, {100, 82, 52}));
+    list.add_scheme(new ZBNotifyScheme(300, "Tasks that may be late", ZBNotifyScheme::E_List, std::string(), true,
+                                       {100, 95, 66}));
+    list.add_scheme(new ZBNotifyScheme(200, "Appointments that clash", ZBNotifyScheme::E_List, std::string(), true,
+                                       {82, 90, 100}));
+    const ZBDate blank(ZBDate::E_Blank);
+    list.reset();
+    list.add(ZBNotifyItem(900, 400.0, "OVERDUE: Book the plumber (due yesterday 17:00)", 1, blank));
+    list.add(ZBNotifyItem(600, 300.0, "Urgent: Measure the kitchen (due today 12:00)", 2, blank));
+    list.add(ZBNotifyItem(900, 200.0, "OVERDUE: Clear the borders (due Friday 09:00)", 3, blank));
+    list.add(ZBNotifyItem(300, 100.0, "May be late: Sketch the home page (needs 6 hours, 4 free before due)", 4, blank));
+    list.add(ZBNotifyItem(200, 100.0, "Clash: Club meeting and Dentist on Thursday 18:30", 5, blank));
+    list.add(ZBNotifyItem(ZBNotifyList::C_NotifySystem, 300.0, "Unfilled variables", 6, blank));
+    list.update();
+
+    // The dialog first, on its own, so that it shows its first of three alerts.
+    ZBNotifyDialogQt* dialog = list.get_dialog();
+    dialog->set_restore_geom(false);
+    int result = save(dialog);
+    dialog->hide();
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    result = save(&window, "notifyBarCollapsed");
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    bar->set_expanded(true);
+    result = save(&window, "notifyBarExpanded");
+    if (iszbwarn(result))
+        return zbpass(ZBLOC);
+    window.hide();
+
+    ZBSettingsQt settings;
+    settings.setObjectName("notifySettingsDialog");
+    settings.set_restore_geom(false);
+    settings.add_form(new ZBNotifySettingsQt(list, QSystemTrayIcon::isSystemTrayAvailable()), "&Notifications");
+    settings.update_display();
+    settings.get_tabs()->setCurrentIndex(settings.get_tabs()->count() - 1);
+    return save(&settings, "notifySettings");
+>>>>>>> notify
 }
 
 } // namespace Tervalon

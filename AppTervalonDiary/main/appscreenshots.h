@@ -36,6 +36,7 @@ private:
     // The questions of opening and closing a file, its settings page and the first run.
     int show_load();
     int save_box(QWidget& window, const std::string& name, const char* caption);
+    int show_notify();
 
     std::string m_folder;
     std::string m_file;
