@@ -1285,6 +1285,10 @@ void DiaryEntry::load_predicted(const Diary& copy, long stamp)
             // The planner's start and due, as it pushed them along the dependencies.
             m_start.calc = other->m_start.calc;
             m_due.calc = other->m_due.calc;
+            // The instances the planner worked from, when the rule is still
+            // the one it worked on, so that the views need not make them again.
+            if (get_repeat().is_repeating() && get_repeat() == other->get_repeat())
+                edit_repeat().load_slots(other->get_repeat());
             if (other->m_depend || m_depend)
                 edit_depend().upload(other->get_depend());
         }

@@ -575,6 +575,8 @@ int TaskImport::import(Diary& diary, const std::string& given, DiaryEntry* paren
                 ++m_depends;
         }
     }
+    // New entries can change what a series depends on or stands beside.
+    diary.reset_repeating();
     // In the order of the text, whichever pass found them.
     auto line_of = [](const std::string& problem) { return std::atoi(problem.c_str() + 5); };
     std::stable_sort(m_problems.begin(), m_problems.end(),

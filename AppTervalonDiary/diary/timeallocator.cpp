@@ -17,41 +17,16 @@ bool valid(const ZBDate& date)
 
 const ZBDate g_blank(ZBDate::E_Blank);
 
-// The instances of an entry in range: one slot per instance, one for an
-// entry that does not repeat. A task's window is its start-after to its due.
-void instance_slots(const DiaryEntry& entry, const ZBDateSlot& range, int limit, std::vector<ZBDateSlot>& out)
+// The window of an entry that does not repeat: its own dates, a side it
+// leaves open left open (a task with no due has no backward pass), and a task
+// due before its start-after planned late and shown so, rather than given the
+// user's dates the other way round.
+ZBDateSlot own_window(const DiaryEntry& entry)
 {
-    out.clear();
-    const bool task = entry.get_derived_entrytype() != 'A';
-    ZBDateSlot window = task ? ZBDateSlot(entry.get_start().calc, entry.get_due().calc) : entry.get_time().calc;
-    if (!task && !(window.m_start.is_ok() && window.m_end.is_ok()))
-        window = ZBDateSlot(entry.get_start().calc, entry.get_due().calc);
-    const ZBDateRepeat& repeat = entry.get_repeat();
-    // A task due before its start-after keeps its dates: it is planned late
-    // and shown so, rather than given the user's dates the other way round.
-    if (!repeat.is_repeating()) {
-        out.push_back(window);
-        return;
-    }
-    if (task && valid(window.m_start) && valid(window.m_end) && window.m_end < window.m_start)
-        std::swap(window.m_start, window.m_end);
-    // The rule needs a dated first instance to step on from.
-    ZBDateSlot seed = window;
-    const bool noStart = !valid(seed.m_start);
-    if (noStart)
-        seed.m_start = seed.m_end;
-    repeat.generate_slots(seed, range, limit, &entry, out);
-    if (out.empty()) {
-        out.push_back(window);
-        return;
-    }
-    if (noStart && out.front() == seed)
-        out.front().m_start = window.m_start;
-    // A task's series is held by its due dates: each instance is due on its
-    // date and can begin once the one before is due.
-    if (task)
-        for (size_t i = 1; i < out.size(); ++i)
-            out[i] = ZBDateSlot(out[i - 1].m_end, out[i].m_start);
+    if (entry.get_derived_entrytype() == 'A' && entry.get_time().calc.m_start.is_ok()
+        && entry.get_time().calc.m_end.is_ok())
+        return entry.get_time().calc;
+    return ZBDateSlot(entry.get_start().calc, entry.get_due().calc);
 }
 } // namespace
 
@@ -125,20 +100,38 @@ int TimeAllocator::create_requests(Diary& diary, DiaryEntry& entry, const ZBDate
     const char type = entry.get_derived_entrytype();
     if (!((type == 'T' && !entry.is_complete()) || type == 'A'))
         return ZBErrC_ok;
-    std::vector<ZBDateSlot> instances;
-    instance_slots(entry, ZBDateSlot(m_repeatRange.m_start, end), m_repeatLimit, instances);
+    // One request per instance the series gives within the lookahead, the
+    // same instances the calendar and the summary show.
     const ZBDateRepeat& repeat = entry.get_repeat();
+    const std::vector<ZBDateSlot>* instances = nullptr;
+    if (repeat.is_repeating() && !repeat.is_manual()) {
+        EntryRepeat& series = entry.edit_erepeat();
+        if (iszbwarn(series.generate_slots(false, ZBDateSlot(m_repeatRange.m_start, end), m_repeatLimit)))
+            return zbpass(ZBLOC);
+        if (!series.get_slots().empty())
+            instances = &series.get_slots();
+    }
     ZBDateRepeat::E_WorkdayType work = ZBDateRepeat::E_WorkNone;
     int workId = -1;
     repeat.get_workday(work, workId);
     // A several-times-a-day habit kept to work days may simply not happen.
     const bool mandatory = !(repeat.is_repeating() && repeat.days_between() < 1 && work != ZBDateRepeat::E_WorkNone);
-    for (size_t i = 0; i < instances.size(); ++i) {
+    const size_t count = instances ? instances->size() : 1;
+    for (size_t i = 0; i < count; ++i) {
+        ZBDateSlot slot = instances ? (*instances)[i] : own_window(entry);
+        if (instances && i == 0 && type != 'A') {
+            // The current instance keeps the sides the task leaves open: with
+            // no due it has no backward pass.
+            if (!valid(entry.get_start().calc))
+                slot.m_start = g_blank;
+            if (!valid(entry.get_due().calc))
+                slot.m_end = g_blank;
+        }
         const int id = int(m_request.size());
         m_request.emplace_back(new TimeRequest(id));
         TimeRequest* request = m_request.back().get();
         m_byId.push_back(request);
-        if (iszbwarn(request->initialise(diary, entry, int(i), instances[i], mandatory)))
+        if (iszbwarn(request->initialise(diary, entry, int(i), slot, mandatory)))
             return zbpass(ZBLOC);
     }
     return ZBErrC_ok;

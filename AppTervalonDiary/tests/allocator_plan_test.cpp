@@ -187,3 +187,41 @@ TEST_F(AllocatorPlan, AllocatorRunsItsStagesOnItsOwn)
     EXPECT_EQ(allocator.allocate(diary), ZBErrC_okNotFinished);
     EXPECT_TRUE(first->m_allocated.empty());
 }
+
+// The planner books exactly the instances the entry's series gives: the same
+// rule for where each instance starts as the calendar and the summary use.
+TEST_F(AllocatorPlan, ARepeatingTaskAsksForEachOfItsGeneratedInstances)
+{
+    DiaryEntry* report = task("Report", 1, "3-Mar-2026 12:00");
+    // Two hours' lead before each due, every other day.
+    report->edit_start().set_orig(at("3-Mar-2026 10:00"));
+    ASSERT_EQ(report->edit_repeat().from_string("T=2@N=2"), ZBErrC_ok);
+    DiaryEntry* meeting = add(nullptr, "Stand-up", 'A');
+    meeting->edit_time().set_orig(ZBDateSlot(at("2-Mar-2026 09:30"), at("2-Mar-2026 09:45")));
+    ASSERT_EQ(meeting->edit_repeat().from_string("T=2@N=1"), ZBErrC_ok);
+    plan();
+
+    TimeAllocator allocator;
+    ASSERT_EQ(allocator.start(diary), ZBErrC_ok);
+    for (DiaryEntry* entry : {report, meeting}) {
+        SCOPED_TRACE(entry->get_summary());
+        std::vector<ZBDateSlot> asked;
+        for (int i = 0; i < allocator.get_nrequests(); ++i) {
+            const TimeRequest* request = allocator.get_request(i);
+            if (request->m_entryId == entry->get_id())
+                asked.push_back(ZBDateSlot(request->m_startAfter, request->m_due));
+        }
+        const ZBDateSlot range(ZBDateUtils::now(), allocator.get_range().m_end);
+        ASSERT_EQ(entry->edit_erepeat().generate_slots(false, range, TimeAllocator::C_RepeatLimit), ZBErrC_ok);
+        const std::vector<ZBDateSlot>& generated = entry->get_erepeat().get_slots();
+        ASSERT_GT(generated.size(), 5u);
+        ASSERT_EQ(asked.size(), generated.size());
+        for (size_t i = 0; i < asked.size(); ++i) {
+            EXPECT_EQ(asked[i].m_start, generated[i].m_start) << i;
+            EXPECT_EQ(asked[i].m_end, generated[i].m_end) << i;
+        }
+    }
+    // Every instance of the report may start two hours before its due, not
+    // from the due of the one before.
+    EXPECT_EQ(allocator.get_request(1)->m_startAfter, at("5-Mar-2026 10:00"));
+}

@@ -270,3 +270,25 @@ TEST_F(ImportTasks, DatesAndEstimatesAsExported)
         }
     }
 }
+
+// Entries brought in may be what a series depends on or stands beside, so
+// the instances the diary had worked out are forgotten and made again.
+TEST_F(ImportTasks, AnImportForgetsTheInstancesOfRepeatingEntries)
+{
+    DiaryEntry* series = nullptr;
+    ASSERT_EQ(diary.create_entry(nullptr, 'T', "Weekly review", &series), ZBErrC_ok);
+    series->edit_due().set_orig(utc(2026, 11, 27, 16));
+    ASSERT_EQ(series->edit_repeat().from_string("T=3@N=1"), ZBErrC_ok);
+    diary.recalculate(ZBDatabase::E_RecalcQuick);
+    ASSERT_EQ(series->edit_erepeat().generate_slots(false, ZBDateSlot(utc(2026, 11, 23), utc(2027, 1, 31)), 100),
+              ZBErrC_ok);
+    ASSERT_TRUE(series->get_erepeat().has_slots());
+
+    ASSERT_EQ(importer.import(diary, R"({"description":"Buy paper","status":"pending"})"), ZBErrC_ok);
+    EXPECT_FALSE(series->get_erepeat().has_slots());
+
+    // A refused import changes nothing, so it forgets nothing either.
+    series->edit_erepeat().generate_slots(false, ZBDateSlot(utc(2026, 11, 23), utc(2027, 1, 31)), 100);
+    EXPECT_NE(importer.import(diary, "not json"), ZBErrC_ok);
+    EXPECT_TRUE(series->get_erepeat().has_slots());
+}

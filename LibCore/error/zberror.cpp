@@ -4,13 +4,16 @@
 #include "LibCore/time/zbmoment.h"
 
 #include <QCoreApplication>
+#include <QThread>
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <chrono>
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <mutex>
 
 namespace Tervalon {
 
@@ -102,6 +105,38 @@ std::unique_ptr<ZBError>& error_singleton()
     return error;
 }
 
+// Error states ended so far: a thread's records belong to the state they
+// were made for, and a state made in place of another starts them afresh,
+// even at the same address.
+std::atomic<unsigned long long> g_endedStates(0);
+
+// Each thread's records, and the error state they belong to.
+struct ThreadRecords {
+    const ZBError* m_owner = nullptr;
+    unsigned long long m_ended = 0;
+    std::vector<ZBErrDetails> m_records;
+};
+thread_local ThreadRecords t_records;
+
+std::vector<ZBErrDetails>& records_of(const ZBError* error)
+{
+    ThreadRecords& records = t_records;
+    const unsigned long long ended = g_endedStates.load();
+    if (records.m_owner != error || records.m_ended != ended) {
+        records.m_owner = error;
+        records.m_ended = ended;
+        records.m_records.clear();
+    }
+    return records.m_records;
+}
+
+// Handlers and streams are shared by every thread; one record at a time.
+std::recursive_mutex& handler_lock()
+{
+    static std::recursive_mutex lock;
+    return lock;
+}
+
 ZBError::ErrorUiFn g_errorUiFn = nullptr;
 ZBError::ActiveWindowFn g_activeWindowFn = nullptr;
 
@@ -185,6 +220,7 @@ ZBError::ZBError(const std::string& program, const std::string& release, const s
 
 ZBError::~ZBError()
 {
+    ++g_endedStates;
     for (ZBErrHandler* handler : m_handler)
         if (handler->is_deletion_managed())
             delete handler;
@@ -216,20 +252,24 @@ int ZBError::get_ncodes()
 
 int ZBError::report(const ZBErrDetails& details)
 {
-    m_error.insert(m_error.begin(), details);
+    std::vector<ZBErrDetails>& records = records_of(this);
+    records.insert(records.begin(), details);
     return activate();
 }
 
 int ZBError::activate()
 {
-    if (m_error.empty())
+    std::vector<ZBErrDetails>& records = records_of(this);
+    if (records.empty())
         return 0;
     if (handle_error(true, false) == ZBErrC_okHandled)
         return 0;
-    const ZBErrDetails& top = m_error.front();
+    const ZBErrDetails& top = records.front();
     int severity = top.get_severity();
-    if (severity >= 0 && severity < 5 && m_stream[severity])
+    if (severity >= 0 && severity < 5 && m_stream[severity]) {
+        std::lock_guard<std::recursive_mutex> lock(handler_lock());
         *m_stream[severity] << top << std::endl;
+    }
     return perform_action();
 }
 
@@ -238,8 +278,10 @@ int ZBError::activate()
 // handler is not called on the immediate pass, so a record reaches a log once.
 int ZBError::handle_error(bool immediate, bool delayed)
 {
-    if (m_error.empty())
+    std::vector<ZBErrDetails>& records = records_of(this);
+    if (records.empty())
         return ZBErrC_ok;
+    std::lock_guard<std::recursive_mutex> lock(handler_lock());
     for (int i = int(m_handler.size()) - 1; i >= 0; --i) {
         ZBErrHandler* handler = m_handler[size_t(i)];
         if (!handler->is_enabled())
@@ -248,16 +290,17 @@ int ZBError::handle_error(bool immediate, bool delayed)
             || (handler->is_delayed() && delayed);
         if (!call)
             continue;
-        if (handler->handle(m_error.front()) == ZBErrC_okHandled) {
-            m_error.erase(m_error.begin());
+        if (handler->handle(records.front()) == ZBErrC_okHandled) {
+            records.erase(records.begin());
             return ZBErrC_okHandled;
         }
     }
-    return m_error.front().get_value();
+    return records.front().get_value();
 }
 
 void ZBError::write_log(ZBErrDetails& details)
 {
+    std::lock_guard<std::recursive_mutex> lock(handler_lock());
     for (int i = int(m_handler.size()) - 1; i >= 0; --i)
         if (m_handler[i]->is_enabled())
             m_handler[i]->log(details);
@@ -265,9 +308,10 @@ void ZBError::write_log(ZBErrDetails& details)
 
 int ZBError::perform_action()
 {
-    if (m_error.empty())
+    std::vector<ZBErrDetails>& records = records_of(this);
+    if (records.empty())
         return 0;
-    const ZBErrDetails& top = m_error.front();
+    const ZBErrDetails& top = records.front();
     int action = m_action[top.get_severity()];
     if (action == E_ActionAssert) {
         std::cerr << "Assertion at " << top.get_location() << ": " << top.get_details(ZBErrAsp_System) << std::endl;
@@ -281,12 +325,14 @@ int ZBError::perform_action()
 
 void ZBError::add_handler(ZBErrHandler* handler)
 {
+    std::lock_guard<std::recursive_mutex> lock(handler_lock());
     if (handler)
         m_handler.push_back(handler);
 }
 
 void ZBError::remove_handler(ZBErrHandler* handler)
 {
+    std::lock_guard<std::recursive_mutex> lock(handler_lock());
     auto it = std::find(m_handler.begin(), m_handler.end(), handler);
     if (it == m_handler.end())
         return;
@@ -307,7 +353,11 @@ void ZBError::set_active_window_fn(ActiveWindowFn fn)
 
 std::string ZBError::active_window_name()
 {
-    return g_activeWindowFn ? g_activeWindowFn() : std::string();
+    // Windows belong to the main thread; a background report names none.
+    QCoreApplication* app = QCoreApplication::instance();
+    if (!g_activeWindowFn || (app && app->thread() != QThread::currentThread()))
+        return std::string();
+    return g_activeWindowFn();
 }
 
 std::ostream* ZBError::get_stream(int severity) const
@@ -322,7 +372,8 @@ ZBErrHandler* ZBError::get_handler(int index) const
 
 const ZBErrDetails* ZBError::get_error(int index) const
 {
-    return index >= 0 && index < int(m_error.size()) ? &m_error[size_t(index)] : nullptr;
+    const std::vector<ZBErrDetails>& records = records_of(this);
+    return index >= 0 && index < int(records.size()) ? &records[size_t(index)] : nullptr;
 }
 
 void ZBError::setup_cli(std::ostream* stream)
@@ -336,37 +387,47 @@ void ZBError::setup_cli(std::ostream* stream)
     add_handler(handler);
 }
 
+int ZBError::get_nerrors() const
+{
+    return int(records_of(this).size());
+}
+
 ZBErrDetails* ZBError::top()
 {
-    return m_error.empty() ? nullptr : &m_error.front();
+    std::vector<ZBErrDetails>& records = records_of(this);
+    return records.empty() ? nullptr : &records.front();
 }
 
 const ZBErrDetails* ZBError::top() const
 {
-    return m_error.empty() ? nullptr : &m_error.front();
+    std::vector<ZBErrDetails>& records = records_of(this);
+    return records.empty() ? nullptr : &records.front();
 }
 
 void ZBError::clear_last_error()
 {
-    if (!m_error.empty())
-        m_error.erase(m_error.begin());
+    std::vector<ZBErrDetails>& records = records_of(this);
+    if (!records.empty())
+        records.erase(records.begin());
 }
 
 void ZBError::clear_all()
 {
-    m_error.clear();
+    std::vector<ZBErrDetails>& records = records_of(this);
+    records.clear();
 }
 
 int ZBError::print_and_clear(std::ostream& out, const std::string& prefix)
 {
-    const int count = int(m_error.size());
-    for (auto it = m_error.rbegin(); it != m_error.rend(); ++it) {
+    std::vector<ZBErrDetails>& records = records_of(this);
+    const int count = int(records.size());
+    for (auto it = records.rbegin(); it != records.rend(); ++it) {
         std::string message = it->get_message();
         std::replace(message.begin(), message.end(), '\n', ' ');
         out << prefix << message << "\n";
     }
     out.flush();
-    m_error.clear();
+    records.clear();
     return count;
 }
 
@@ -391,11 +452,12 @@ int ZBError::get_action(int severity) const
 
 void ZBError::dump(std::ostream& out, int indent) const
 {
+    std::vector<ZBErrDetails>& records = records_of(this);
     std::string pad(indent * 4, ' ');
     out << pad << "ZBError\n" << pad << "    program : " << m_program << "\n" << pad << "    release : " << m_release
         << "\n" << pad << "    vendor  : " << m_vendor << "\n";
-    for (size_t i = 0; i < m_error.size(); ++i)
-        m_error[i].dump(out, indent + 1);
+    for (size_t i = 0; i < records.size(); ++i)
+        records[i].dump(out, indent + 1);
 }
 
 ZBError& get_zberror()
@@ -479,13 +541,17 @@ std::string zb_sprintf(const char* format, ...)
     return text;
 }
 
-int zbsysreport(int code, int severity, const std::string& location, const std::string& text, ZBErrAspect aspect,
-                long long micros)
+namespace {
+// A record made from a text; systemText, when not empty, stands for the
+// developer's words instead of the default, without changing the default
+// that other threads read.
+int report_text(ZBError& error, int code, int severity, const std::string& location, const std::string& text,
+                ZBErrAspect aspect, long long micros, const std::string& systemText)
 {
-    ZBError& error = get_zberror();
     ZBErrDetails details;
     details.populate_error(code, ZBErrSeverity(severity < 0 || severity > 4 ? ZBErrSev_Error : severity));
-    details.set_details(ZBErrAsp_System, error.get_default_message(ZBErrAsp_System));
+    details.set_details(ZBErrAsp_System,
+                        systemText.empty() ? error.get_default_message(ZBErrAsp_System) : systemText);
     details.set_details(ZBErrAsp_User, error.get_default_message(ZBErrAsp_User));
     details.set_details(aspect, text);
     if (micros == 0)
@@ -501,6 +567,13 @@ int zbsysreport(int code, int severity, const std::string& location, const std::
     }
     error.report(details);
     return details.get_value();
+}
+} // namespace
+
+int zbsysreport(int code, int severity, const std::string& location, const std::string& text, ZBErrAspect aspect,
+                long long micros)
+{
+    return report_text(get_zberror(), code, severity, location, text, aspect, micros, std::string());
 }
 
 #define ZB_FORMAT_TEXT(text, format)                                                                                   \
@@ -533,12 +606,7 @@ int zbwarnuser(int code, const std::string& location, const char* format, ...)
 {
     ZB_FORMAT_TEXT(text, format);
     // The same words serve the developer too, rather than the default "no details".
-    ZBError& error = get_zberror();
-    std::string saved = error.get_default_message(ZBErrAsp_System);
-    error.set_default_message(ZBErrAsp_System, text);
-    int value = zbsysreport(code, ZBErrSev_UserWarning, location, text, ZBErrAsp_User);
-    error.set_default_message(ZBErrAsp_System, saved);
-    return value;
+    return report_text(get_zberror(), code, ZBErrSev_UserWarning, location, text, ZBErrAsp_User, 0, text);
 }
 
 int zblog(int code, const std::string& location, const char* format, ...)
@@ -583,7 +651,7 @@ int zbhandle_error(int value, int severityOfDialog)
 
 int zbusererror_handle(bool delayed)
 {
-    static bool inside = false;
+    static thread_local bool inside = false;
     if (inside)
         return 0;
     inside = true;

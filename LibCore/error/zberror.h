@@ -13,10 +13,12 @@ namespace Tervalon {
 class ZBErrHandler;
 class ZBLog;
 
-// The process-wide error state: the code table, the stack of records (newest
-// first), the handlers and what to do per severity. Reached through get_zberror();
-// a default one exists before start-up so that reporting never fails.
-// Not thread-safe: background threads catch ZBErrDetails and pass the value on.
+// The process-wide error state: the code table, the handlers and what to do
+// per severity, and a stack of records (newest first) for each thread, so that
+// what a background pass reports never mixes with the main thread's records.
+// Reached through get_zberror(); a default one exists before start-up so that
+// reporting never fails. Handlers and streams are called under one lock, a
+// record at a time; the settings are made before other threads start.
 class ZBError {
 public:
     enum ZBErrActions { E_ActionAssert = 0, E_ActionThrow = 1, E_ActionReturn = 2 };
@@ -48,7 +50,8 @@ public:
     void remove_handler(ZBErrHandler* handler);
     int get_nhandlers() const { return int(m_handler.size()); }
 
-    int get_nerrors() const { return int(m_error.size()); }
+    // The calling thread's records.
+    int get_nerrors() const;
     ZBErrDetails* top();
     const ZBErrDetails* top() const;
     void clear_last_error();
@@ -84,7 +87,6 @@ int zb_exit_status(int value);
     void dump(std::ostream& out, int indent) const;
 
 private:
-    std::vector<ZBErrDetails> m_error;
     std::string m_program;
     std::string m_release;
     std::string m_vendor;

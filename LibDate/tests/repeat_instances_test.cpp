@@ -238,3 +238,60 @@ TEST_F(RepeatInstances, NoWorkDayEndsTheSeriesAtOnce)
     EXPECT_EQ((std::vector<std::string>{"2026-03-30T08:00:00Z", "2026-03-31T08:00:00Z"}),
               starts(daily, 2, ZBDate(2026, 2, 6, 8, 0, 0, 0, 0), &leave));
 }
+
+// A rule loaded with another's instances answers with them until it changes.
+TEST_F(RepeatInstances, LoadedSlotsStayUntilTheRuleChanges)
+{
+    ZBDateRepeat weekly;
+    ASSERT_FALSE(iszbwarn(weekly.from_string("T=3@N=1@D=1,3")));
+    ZBDateRepeat::set_global_range(ZBDateSlot(C_From, C_From + ZBDuration(std::int64_t(28) * 86400)), 100);
+    ASSERT_EQ(weekly.generate(true, ZBDateSlot(), nullptr), ZBErrC_ok);
+    ASSERT_EQ(weekly.get_slots().size(), 8u);
+
+    ZBDateRepeat live;
+    ASSERT_FALSE(iszbwarn(live.from_string("T=3@N=1@D=1,3")));
+    live.load_slots(weekly);
+    EXPECT_EQ(live.get_state(), 2);
+    EXPECT_EQ(live.get_slots(), weekly.get_slots());
+    EXPECT_TRUE(live == weekly);
+    // Asking again does not throw them away.
+    ASSERT_EQ(live.generate(false, ZBDateSlot(), nullptr), ZBErrC_ok);
+    EXPECT_EQ(live.get_slots(), weekly.get_slots());
+    // Loading from itself keeps everything.
+    live.load_slots(live);
+    EXPECT_EQ(live.get_slots().size(), 8u);
+
+    // A changed rule forgets instances that were not its own.
+    live.set_interval(2);
+    EXPECT_TRUE(live.get_slots().empty());
+    EXPECT_EQ(live.get_state(), 0);
+    ZBDateRepeat::set_global_range(ZBDateSlot(), 1000);
+}
+
+// Two rules stepped in turn on one thread, and one rule changed between
+// steps, give what each gives alone: no period of one serves the other.
+TEST_F(RepeatInstances, RulesSteppedInTurnDoNotMix)
+{
+    const char* texts[] = {"T=3@N=1@D=0,1,2,3,4", "T=3@N=1@D=1,2,3,4,5", "T=3@N=2@D=2,4@A=32400,50400",
+                           "T=4@N=1@D=0,14,-1", "T=5@N=1@D=300,1500", "T=2@N=1@A=28800,61200"};
+    const int n = int(sizeof(texts) / sizeof(texts[0]));
+    std::vector<ZBDateRepeat> rules(n);
+    std::vector<std::vector<std::string>> alone(n);
+    for (int r = 0; r < n; ++r) {
+        ASSERT_FALSE(iszbwarn(rules[r].from_string(texts[r])));
+        alone[r] = starts(ZBDateRepeat(rules[r]), 40, C_From);
+        ASSERT_EQ(alone[r].size(), 40u) << texts[r];
+    }
+    std::vector<ZBDate> at(n, C_From);
+    for (int step = 0; step < 40; ++step)
+        for (int r = 0; r < n; ++r) {
+            at[r] = rules[r].next_date(at[r], nullptr);
+            EXPECT_EQ(at[r].to_iso(), alone[r][size_t(step)]) << texts[r] << " step " << step;
+        }
+    // Monday to Friday, then Tuesday to Saturday from the same date.
+    ZBDateRepeat changing;
+    ASSERT_FALSE(iszbwarn(changing.from_string(texts[0])));
+    const ZBDate first = changing.next_date(C_From, nullptr);
+    changing.set_days({1, 2, 3, 4, 5});
+    EXPECT_EQ(changing.next_date(first, nullptr).to_iso(), alone[1][1]);
+}
