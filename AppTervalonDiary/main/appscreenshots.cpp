@@ -536,7 +536,6 @@ int AppScreenshots::show_notify()
     settings.update_display();
     settings.get_tabs()->setCurrentIndex(settings.get_tabs()->count() - 1);
     return save(&settings, "notifySettings");
->>>>>>> notify
 }
 
 } // namespace Tervalon
