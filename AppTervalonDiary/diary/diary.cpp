@@ -1027,6 +1027,19 @@ int Diary::move_plan(int entryId, int sequence, bool up, ZBCalendar* calendar)
     return ZBErrC_ok;
 }
 
+int Diary::add_sysquants(ZBObjectSpec& spec)
+{
+    if (iszbwarn(ZBDiary::add_sysquants(spec)))
+        return zbpass(ZBLOC);
+    if (ZBVarSpec* var = spec.get_varspec_by_name(ZBDEntry::C_SysBaselineAuto)) {
+        std::string choices;
+        for (int kind = EntryBaseline::E_None; kind <= EntryBaseline::E_FollowHoursDate; ++kind)
+            choices += (kind ? "|" : "") + EntryBaseline::btype_to_string(kind);
+        var->set_constraint(ZBVarSpec::E_Choice, choices);
+    }
+    return ZBErrC_ok;
+}
+
 // ---------------------------------------------------------------- the running session
 
 void Diary::find_running_session()

@@ -55,6 +55,8 @@ public:
     void background_recalculate() override;
     int pull_complete() override;
     int create_object(ZBDBObject* parent, const std::string& tag, int specId, ZBDBObject** out) override;
+    // The records' system values, and the automatic baseline as a choice of its kinds.
+    int add_sysquants(ZBObjectSpec& spec) override;
 
     // Makes an entry of a type under parent (null: the top level).
     int create_entry(DiaryEntry* parent, char type, const std::string& title, DiaryEntry** out);

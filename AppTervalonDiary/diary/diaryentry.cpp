@@ -524,6 +524,19 @@ std::string DiaryEntry::get_sysvalue(const std::string& tag) const
         const Resource* resource = diary->get_resource_by_id(m_props.get_resource_calc());
         return resource ? resource->get_username() : std::string();
     }
+    if (tag == C_SysSpent)
+        return get_spent().get_time_spent().to_string();
+    const EntryBaseline& baseline = get_baseline();
+    if (tag == C_SysBaselineDuration)
+        return baseline.get_calc_duration().to_string();
+    if (tag == C_SysBaselineStart)
+        return baseline.get_calc_startend().m_start.to_string();
+    if (tag == C_SysBaselineEnd)
+        return baseline.get_calc_startend().m_end.to_string();
+    if (tag == C_SysBaselineProgress)
+        return baseline.get_progressive() ? "1" : "0";
+    if (tag == C_SysBaselineAuto)
+        return EntryBaseline::btype_to_string(baseline.get_autobaseline());
     return ZBDEntry::get_sysvalue(tag);
 }
 
@@ -531,6 +544,8 @@ std::string DiaryEntry::get_sysvalue(const std::string& tag) const
 // type. Only a change of type rederives what hangs on it.
 int DiaryEntry::set_sysvalue(const std::string& tag, const std::string& value)
 {
+    if (tag == C_SysBaselineAuto || tag == C_SysBaselineProgress || tag == C_SysBaselineDuration)
+        return set_baseline_value(tag, zb_trim(value));
     if (tag != C_SysEntryType)
         return ZBDEntry::set_sysvalue(tag, value);
     const int type = string_to_entrytype(value);
@@ -540,6 +555,30 @@ int DiaryEntry::set_sysvalue(const std::string& tag, const std::string& value)
         return ZBErrC_ok;
     set_entrytype(char(type));
     clear_predicted(true);
+    return ZBErrC_ok;
+}
+
+// A bad value is refused before anything changes.
+int DiaryEntry::set_baseline_value(const std::string& tag, const std::string& value)
+{
+    if (tag == C_SysBaselineAuto) {
+        if (!EntryBaseline::is_btype(value))
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC,
+                              "%s: Invalid value: %s (None, Hours, HoursDate, FollowHours or FollowHoursDate)",
+                              tag.c_str(), value.c_str());
+        edit_baseline().set_autobaseline(EntryBaseline::string_to_btype(value));
+    } else if (tag == C_SysBaselineProgress) {
+        if (value != "0" && value != "1")
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: Invalid value: %s (0 or 1)", tag.c_str(), value.c_str());
+        edit_baseline().set_progressive(value == "1");
+    } else {
+        ZBDuration duration;
+        if (iszbwarn(duration.from_string(value)))
+            return zbpass(ZBLOC);
+        if (duration.is_negative())
+            return zbwarnuser(ZBErrC_InvalidValue, ZBLOC, "%s: Invalid value: %s", tag.c_str(), value.c_str());
+        edit_baseline().set_duration(duration);
+    }
     return ZBErrC_ok;
 }
 

@@ -241,6 +241,7 @@ private:
     int read_older_repeat(std::istream* in, const std::string& prefix);
     int run_trigger(const std::string& trigger);
     void changed();
+    int set_baseline_value(const std::string& tag, const std::string& value);
 
     // Sources of the calculated start-after, due and priority.
     int m_startSource;

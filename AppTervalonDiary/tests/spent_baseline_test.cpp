@@ -190,3 +190,16 @@ TEST_F(Baselines, FollowHoursDateTakesTheDatesAgainWhenTheLengthChanges)
     EXPECT_EQ(task->get_baseline().get_orig_duration(), hm(3));
     EXPECT_EQ(task->get_baseline().get_orig_startend(), slot("4-Mar-2026 09:00", "4-Mar-2026 12:00"));
 }
+
+TEST_F(Baselines, TheBaselineValuesOfAnEntryAreReadAndCheckedByName)
+{
+    DiaryEntry* task = add(nullptr, "Essay");
+    ASSERT_EQ(task->set_sysvalue(ZBDEntry::C_SysBaselineAuto, "FollowHours"), ZBErrC_ok);
+    ASSERT_EQ(task->set_sysvalue(ZBDEntry::C_SysBaselineDuration, "2h30m"), ZBErrC_ok);
+    EXPECT_TRUE(iszbwarn(task->set_sysvalue(ZBDEntry::C_SysBaselineAuto, "Daily")));
+    EXPECT_TRUE(iszbwarn(task->set_sysvalue(ZBDEntry::C_SysBaselineProgress, "yes")));
+    get_zberror().clear_all();
+    EXPECT_EQ(task->get_sysvalue(ZBDEntry::C_SysBaselineAuto), "FollowHours");
+    EXPECT_EQ(task->get_sysvalue(ZBDEntry::C_SysBaselineProgress), "0");
+    EXPECT_EQ(task->get_baseline().get_orig_duration(), hm(2, 30));
+}
