@@ -193,15 +193,8 @@ std::string count_word(int count)
 
 DiaryEntry* running_entry(const Diary& diary)
 {
-    if (DiaryEntry* entry = diary.get_entry_id(diary.get_session_id()))
-        if (entry->get_spent().has_running_session())
-            return entry;
-    for (int i = 0; i < diary.get_nobjects(); ++i) {
-        DiaryEntry* entry = dynamic_cast<DiaryEntry*>(diary.get_object_by_index(i));
-        if (entry && !entry->is_deleted() && entry->get_spent().has_running_session())
-            return entry;
-    }
-    return nullptr;
+    DiaryEntry* entry = diary.get_session_entry();
+    return entry && entry->get_spent().has_running_session() ? entry : nullptr;
 }
 
 DiaryEntry* bookmarked(const Diary& diary, char type)
@@ -797,21 +790,15 @@ int DiaryActionMgr::run_entry_action(const std::string& name, const DiaryActionP
         undo = name == C_ActBaselineDate ? "Save Baseline Hours and Date" : "Save Baseline Hours";
     } else if (name == C_ActStartSession) {
         const Resource* resource = diary.get_resource_by_name(param.m_userName);
-        const int resourceId = param.m_userId >= 0 ? param.m_userId
-                               : resource          ? resource->get_id()
-                                                   : entry->get_props().get_resource_calc();
-        // A running session is known by its resource, so it always has one.
-        entry->edit_spent().start_session(now, resourceId >= 0 ? resourceId : std::max(0, diary.get_default_resource_id()));
-        diary.set_session_id(entry->get_id());
-        entry->mark_changed(ZBLOC, true);
-        result = run_auto_command(*entry, param, true);
+        const int resourceId = param.m_userId >= 0 ? param.m_userId : resource ? resource->get_id() : -1;
+        result = diary.start_session(entry->get_id(), resourceId);
+        if (!iszbwarn(result))
+            result = run_auto_command(*entry, param, true);
         undo = "Start Session";
     } else if (name == C_ActStopSession || name == C_ActCompleteSession) {
         DiaryEntry* running = running_entry(diary);
-        running->edit_spent().stop_session(now);
-        diary.set_session_id(-1);
+        diary.stop_session();
         running->clear_predicted(true);
-        running->mark_changed(ZBLOC, true);
         result = run_auto_command(*running, param, false);
         if (!iszbwarn(result) && name == C_ActCompleteSession && !running->is_complete())
             result = running->mark_complete(now);

@@ -72,7 +72,7 @@ const std::vector<Row>& rows()
         {"AddSession", [](ActionFixture& f) { return f.select({ZBId(f.journal)}); }, "Must be a task or appointment."},
         {"StartSession",
          [](ActionFixture& f) {
-             f.entry(f.appointment)->edit_spent().start_session(ZBDateUtils::now(), 0);
+             f.diary.start_session(f.appointment, -1);
              return f.select({ZBId(f.task)});
          },
          "A session is already active."},

@@ -127,13 +127,13 @@ const std::vector<Row>& rows()
         {"StartSession", [](ActionFixture& f) { return on(f, f.task); }, "Start Session"},
         {"StopSession",
          [](ActionFixture& f) {
-             f.entry(f.task)->edit_spent().start_session(at("2-Mar-2026 07:00"), 0);
+             f.diary.start_session(f.task, -1);
              return f.select({});
          },
          "Stop Session"},
         {"CompleteSession",
          [](ActionFixture& f) {
-             f.entry(f.task)->edit_spent().start_session(at("2-Mar-2026 07:00"), 0);
+             f.diary.start_session(f.task, -1);
              return f.select({});
          },
          "Complete Running Task"},
