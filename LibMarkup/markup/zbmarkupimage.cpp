@@ -8,7 +8,7 @@ ZBMarkupImage::ZBMarkupImage(const std::string& imageName) : m_imageName(imageNa
 
 ZBMarkupElement* ZBMarkupImage::clone() const { return new ZBMarkupImage(*this); }
 
-std::string ZBMarkupImage::get_raw_text() const { return "[" + m_imageName + "]"; }
+std::string ZBMarkupImage::get_raw_text() const { return std::string(); }
 
 bool ZBMarkupImage::same_content(const ZBMarkupElement& other) const
 {

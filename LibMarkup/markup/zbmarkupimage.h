@@ -11,7 +11,7 @@ public:
     explicit ZBMarkupImage(const std::string& imageName = std::string());
 
     ZBMarkupElement* clone() const override;
-    // Pictures have no words; text output shows the name in brackets.
+    // Pictures have no words: text output leaves them out.
     std::string get_raw_text() const override;
     void dump(std::ostream& out, int indent) const override;
 

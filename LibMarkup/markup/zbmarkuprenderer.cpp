@@ -298,12 +298,17 @@ int ZBMarkupRenderer::render_table(const ZBMarkupTable& table, std::ostream& out
             height = std::max(height, cell.size());
         for (size_t k = 0; k < height; ++k) {
             std::string line = indent;
+            bool first = true;
             for (int c = 0; c < columns; ++c) {
+                // A column with no words at all (pictures only) takes no room in text.
+                if (width[size_t(c)] == 0)
+                    continue;
                 const auto& cell = grid[r][size_t(c)];
                 const std::string text = k < cell.size() ? cell[k] : std::string();
                 const std::string pad(size_t(width[size_t(c)] - text_width(text)), ' ');
-                if (c > 0)
+                if (!first)
                     line += gap;
+                first = false;
                 if (table.get_alignment(c) == ZBMarkupTable::E_AlignRight)
                     line += pad + text;
                 else
@@ -315,8 +320,13 @@ int ZBMarkupRenderer::render_table(const ZBMarkupTable& table, std::ostream& out
         }
         if (titles && r == 0) {
             std::string rule = indent;
-            for (int c = 0; c < columns; ++c)
-                rule += (c > 0 ? gap : std::string()) + std::string(size_t(width[size_t(c)]), '-');
+            bool first = true;
+            for (int c = 0; c < columns; ++c) {
+                if (width[size_t(c)] == 0)
+                    continue;
+                rule += (first ? std::string() : gap) + std::string(size_t(width[size_t(c)]), '-');
+                first = false;
+            }
             trim_right(rule);
             out << rule << '\n';
         }

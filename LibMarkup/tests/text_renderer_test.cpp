@@ -1,4 +1,6 @@
+#include "LibMarkup/markup/zbmarkupimage.h"
 #include "LibMarkup/markup/zbmarkuppage.h"
+#include "LibMarkup/markup/zbmarkupparagraph.h"
 #include "LibMarkup/markup/zbmarkuprenderer.h"
 #include "LibMarkup/markup/zbmarkuptable.h"
 #include "tests/support/testsupport.h"
@@ -97,4 +99,25 @@ TEST_F(TextRendererTest, StreamAndStringGiveTheSameText)
     EXPECT_EQ(out.str(), renderer.to_string(page));
     std::ostringstream none;
     EXPECT_TRUE(iszberr(ZBMarkupRenderer().render(none)));
+}
+
+TEST_F(TextRendererTest, PicturesTakeNoRoomInText)
+{
+    // An icon column (as the summary's lists have) would otherwise push every
+    // row right by a column of names nobody can see in a terminal.
+    ZBMarkupPage page;
+    ZBMarkupParagraph* line = page.add_paragraph("Due");
+    line->add_element(new ZBMarkupImage(":image/todo.png"));
+    auto* table = new ZBMarkupTable(3, 2);
+    table->get_cell(0, 0)->get_paragraph().add_element(new ZBMarkupImage(":image/todo.png"));
+    table->set_cell("Measure", 1, 0);
+    table->set_cell("1:00", 2, 0);
+    table->get_cell(0, 1)->get_paragraph().add_element(new ZBMarkupImage(":image/todo.png"));
+    table->set_cell("Plumber", 1, 1);
+    table->set_cell("0:30", 2, 1);
+    page.append(table);
+    EXPECT_EQ("Due\n"
+              "Measure  1:00\n"
+              "Plumber  0:30\n",
+              ZBMarkupRenderer().to_string(page));
 }
