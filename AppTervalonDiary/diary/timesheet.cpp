@@ -316,14 +316,20 @@ int Timesheet::write_back(int* count)
     for (const SessionEdit& edit : edits) {
         DiaryEntry* entry = m_diary.get_entry_id(edit.entryId);
         EntrySpent& spent = entry->edit_spent();
-        if (edit.add)
-            spent.add_session(edit.slot, edit.type);
-        else
-            spent.edit_sessions().subtract(edit.slot, edit.type);
         changed[edit.entryId] = entry;
+        // The pieces were checked on the copies, so a refusal here is a fault.
+        const int value = edit.add ? spent.add_session(edit.slot, edit.type)
+                                   : spent.edit_sessions().subtract(edit.slot, edit.type);
+        if (iszbwarn(value)) {
+            for (auto& item : changed)
+                item.second->mark_changed(ZBLOC, true);
+            return zbpass(ZBLOC);
+        }
     }
-    for (auto& item : changed)
+    for (auto& item : changed) {
+        item.second->edit_spent().recalculate_spent(true);
         item.second->mark_changed(ZBLOC, true);
+    }
     if (count)
         *count = cells;
     const ZBDate from = m_day.front();

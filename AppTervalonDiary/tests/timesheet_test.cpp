@@ -80,6 +80,7 @@ TEST_F(TimesheetTest, AddedTimeGoesIntoTheDaysPlansFirstThenAroundOtherWork)
     // else was spent on.
     EXPECT_EQ("14-15.5", text(task->get_spent().get_sessions(), 1));
     EXPECT_EQ(ZBDuration(5400), sheet.get_row(sheet.find_row(task->get_id()))->get_time(1));
+    EXPECT_EQ(ZBDuration(5400), task->get_spent().get_time_spent()) << "the entry's total follows at once";
     EXPECT_FALSE(sheet.is_updated());
 }
 
