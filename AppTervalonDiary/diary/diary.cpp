@@ -391,6 +391,24 @@ DiaryEntry* Diary::get_entry_id(int id) const
     return dynamic_cast<DiaryEntry*>(object);
 }
 
+void Diary::get_all_entries(std::vector<DiaryEntry*>& out) const
+{
+    out.clear();
+    // An explicit stack: a deep tree from another device must not run out of stack.
+    std::vector<DiaryEntry*> pending;
+    for (int i = m_entries.size() - 1; i >= 0; --i)
+        pending.push_back(m_entries.get(i));
+    while (!pending.empty()) {
+        DiaryEntry* entry = pending.back();
+        pending.pop_back();
+        if (!entry || entry->is_deleted())
+            continue;
+        out.push_back(entry);
+        for (int i = entry->get_nchildren() - 1; i >= 0; --i)
+            pending.push_back(entry->get_child_no(i));
+    }
+}
+
 int Diary::query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& result, int order, int depth) const
 {
     if (depth < 0)

@@ -64,6 +64,9 @@ public:
     // Entries.
     int get_nentries() const { return m_entries.size(); }
     DiaryEntry* get_entry_index(int index) const { return m_entries.get(index); }
+    // Every entry that is not deleted, at any depth, each parent before its
+    // children in application order. (get_entry_index is the top level only.)
+    void get_all_entries(std::vector<DiaryEntry*>& out) const;
     DiaryEntry* get_entry_id(int id) const;
     int query_entries(const ZBDateSlot& slot, ZBPtrArray<DiaryEntry>& result, int order, int depth) const;
     // Entry titles of people, or resource names; nothing for any other name.

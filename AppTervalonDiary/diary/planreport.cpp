@@ -67,8 +67,9 @@ int PlanReport::generate_report(const ZBDateSlot& slot, int resource, ZBMarkupPa
     m_lines = 0;
 
     std::vector<const DiaryEntry*> entries;
-    for (int i = 0; i < m_diary.get_nentries(); ++i) {
-        const DiaryEntry* entry = m_diary.get_entry_index(i);
+    std::vector<DiaryEntry*> all;
+    m_diary.get_all_entries(all);
+    for (const DiaryEntry* entry : all) {
         if (!entry || entry->is_deleted() || entry->get_nchildren() > 0)
             continue;
         const int type = entry->get_entrytype();

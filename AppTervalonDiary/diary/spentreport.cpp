@@ -34,8 +34,9 @@ int SpentReport::generate_report(const ZBDateSlot& slot, int resource)
     m_resource = resource;
     m_line.clear();
     const int type = resource >= 0 && m_diary.is_multi_user() ? resource : -1;
-    for (int i = 0; i < m_diary.get_nentries(); ++i) {
-        const DiaryEntry* entry = m_diary.get_entry_index(i);
+    std::vector<DiaryEntry*> all;
+    m_diary.get_all_entries(all);
+    for (const DiaryEntry* entry : all) {
         if (!entry || entry->is_deleted())
             continue;
         const ZBDateSet& sessions = entry->get_spent().get_sessions();

@@ -85,8 +85,9 @@ int Timesheet::generate(const ZBDate& from, int days, int user)
     }
 
     const ZBDateSlot span(m_day.front(), m_day.back());
-    for (int i = 0; i < m_diary.get_nentries(); ++i) {
-        const DiaryEntry* entry = m_diary.get_entry_index(i);
+    std::vector<DiaryEntry*> all;
+    m_diary.get_all_entries(all);
+    for (const DiaryEntry* entry : all) {
         if (!entry || entry->is_deleted())
             continue;
         const ZBDateSet& sessions = entry->get_spent().get_sessions();

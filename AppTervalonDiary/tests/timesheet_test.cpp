@@ -169,3 +169,17 @@ TEST_F(TimesheetTest, TextOutputHasTotalsAndLinesUp)
                   ",Total,3.50,0.25,3.75\n",
               csv.str());
 }
+
+TEST_F(TimesheetTest, TasksDeepInTheTreeAreOnTheSheet)
+{
+    DiaryEntry* project = add(nullptr, "Project", 'O');
+    DiaryEntry* folder = add(project, "Folder", 'O');
+    DiaryEntry* task = add(folder, "Deep task");
+    spend(task, 1, 9, 11);
+    Timesheet sheet(diary);
+    read(sheet);
+    const int row = sheet.find_row(task->get_id());
+    ASSERT_GE(row, 0);
+    EXPECT_EQ(ZBDuration(7200), sheet.get_row(row)->get_time(1));
+    EXPECT_EQ(ZBDuration(7200), sheet.get_total());
+}
