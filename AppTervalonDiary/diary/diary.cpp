@@ -1,4 +1,5 @@
 #include "AppTervalonDiary/diary/diary.h"
+#include "AppTervalonDiary/diary/journalcheck.h"
 #include "AppTervalonDiary/diary/timeallocator.h"
 #include "LibDatabase/db/zbobjectspec.h"
 #include "LibDate/calendar/zbcalendar.h"
@@ -35,12 +36,14 @@ std::string Diary::mode_app_type()
 
 Diary::Diary()
     : m_entries(DiaryEntry::C_EntryTag), m_resources(Resource::C_ResourceTag), m_timeTypes(TimeType::C_TimeTypeTag),
+      m_journalChecks(JournalCheck::C_JournalCheckTag),
       m_hasPlans(false), m_sessionId(-1), m_recalcParent(nullptr), m_recalcCycle(0)
 {
     Diary::register_zbobject();
     add_container(m_entries);
     add_container(m_resources);
     add_container(m_timeTypes);
+    add_container(m_journalChecks);
     set_app_type(mode_app_type());
 }
 
@@ -519,6 +522,19 @@ int Diary::add_timetype(const std::string& name, TimeType** out)
     }
     if (out)
         *out = type;
+    return ZBErrC_ok;
+}
+
+int Diary::add_journalcheck(const std::string& name, JournalCheck** out)
+{
+    JournalCheck* check = new JournalCheck();
+    check->set_name(name);
+    if (iszbwarn(add_object(check, this, JournalCheck::C_JournalCheckTag, std::string(), -1, std::string()))) {
+        delete check; // refused, so still ours
+        return zbpass(ZBLOC);
+    }
+    if (out)
+        *out = check;
     return ZBErrC_ok;
 }
 

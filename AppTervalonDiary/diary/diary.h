@@ -2,6 +2,7 @@
 
 #include "AppTervalonDiary/diary/diaryentry.h"
 #include "AppTervalonDiary/diary/diaryimport.h"
+#include "AppTervalonDiary/diary/journalcheck.h"
 #include "AppTervalonDiary/diary/diarysettings.h"
 #include "AppTervalonDiary/diary/recalculatemgr.h"
 #include "AppTervalonDiary/diary/resource.h"
@@ -90,6 +91,10 @@ public:
     TimeType* get_timetype_by_name(const std::string& name) const;
     std::string get_timetype_name_by_id(int id) const;
     int add_timetype(const std::string& name, TimeType** out);
+    // The journal's check list, in the order it is asked.
+    int get_njournalchecks() const { return m_journalChecks.size(); }
+    JournalCheck* get_journalcheck_by_index(int index) const { return m_journalChecks.get(index); }
+    int add_journalcheck(const std::string& name, JournalCheck** out);
     // Whether anything still needs the time type; what does goes to text.
     bool timetype_is_used(int id, std::string& text) const;
     int delete_timetype(int id);
@@ -218,6 +223,7 @@ private:
     ZBDBContainer<DiaryEntry> m_entries;
     ZBDBContainer<Resource> m_resources;
     ZBDBContainer<TimeType> m_timeTypes;
+    ZBDBContainer<JournalCheck> m_journalChecks;
     ResourceCalendar m_calendar;
     bool m_hasPlans;
     DiarySettings m_settings;

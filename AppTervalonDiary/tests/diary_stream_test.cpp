@@ -235,3 +235,39 @@ TEST_F(DiaryStream, FacetFieldsKeepTheirPlaceInTheEntry)
     const std::string head = golden.substr(diary, golden.find("\n}\n@O:", diary) - diary);
     expect_in_order(head, {"!LA!", "!WH!", "!S!", "!PD!", "!SU!", "!FT!", "@diaryImport", "@calendar", "!AFV!"});
 }
+
+TEST_F(DiaryStream, TheJournalsCheckListIsKeptInOrderWithItsSettings)
+{
+    const std::string file = Tervalon::Test::make_temp_dir("journal_checks") + "/checks.zbd";
+    {
+        Diary diary;
+        ASSERT_EQ(diary.create(file, true), ZBErrC_ok);
+        JournalCheck* walk = nullptr;
+        JournalCheck* weight = nullptr;
+        ASSERT_EQ(diary.add_journalcheck("Walk", &walk), ZBErrC_ok);
+        ASSERT_EQ(diary.add_journalcheck("Weight", &weight), ZBErrC_ok);
+        weight->set_prompt("Weight this morning (kg)");
+        weight->set_type(JournalCheck::E_TypeNumber);
+        walk->set_enabled(false);
+        ASSERT_EQ(diary.complete_operation("Checks"), ZBErrC_ok);
+        ASSERT_EQ(diary.save(true, true, false), ZBErrC_ok);
+        diary.unload();
+    }
+    const std::string text = Tervalon::Test::read_file(file);
+    ASSERT_NE(text.find("!p!Weight this morning (kg)"), std::string::npos) << text;
+    Diary diary;
+    ASSERT_EQ(diary.load(file, false), ZBErrC_ok);
+    ASSERT_EQ(diary.get_njournalchecks(), 2);
+    const JournalCheck* walk = diary.get_journalcheck_by_index(0);
+    const JournalCheck* weight = diary.get_journalcheck_by_index(1);
+    EXPECT_EQ(walk->get_name(), "Walk");
+    EXPECT_FALSE(walk->is_enabled());
+    EXPECT_EQ(walk->get_prompt(), "Walk") << "no prompt of its own asks by name";
+    EXPECT_EQ(weight->get_prompt(), "Weight this morning (kg)");
+    EXPECT_EQ(weight->get_type(), JournalCheck::E_TypeNumber);
+    EXPECT_TRUE(weight->is_enabled());
+    // A type this release does not know (from a newer one) reads as a tick.
+    JournalCheck other;
+    other.set_type(7);
+    EXPECT_EQ(other.get_type(), JournalCheck::E_TypeTick);
+}
