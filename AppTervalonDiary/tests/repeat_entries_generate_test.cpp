@@ -1,6 +1,7 @@
 // Which instances a repeating entry gives the planner, and how the cheap pass
 // keeps a series on its current instance.
 #include "AppTervalonDiary/tests/plan_fixture.h"
+#include "tests/support/testsupport.h"
 
 #include <vector>
 
@@ -175,4 +176,44 @@ TEST_F(RepeatGenerate, ACalendarShowsTheInstancesAroundNow)
     // Within a day and an hour of now: today's and tomorrow's, not the day after.
     ASSERT_EQ(shown.size(), 2u);
     EXPECT_EQ(shown[1].m_start, at("3-Mar-2026 10:00"));
+}
+
+// The background pass hands its instances back with its plan, so the views
+// need not make them again; a rule changed meanwhile keeps its own.
+TEST_F(RepeatGenerate, ThePlansLoadBackBringTheInstancesOfAnUnchangedRule)
+{
+    DiaryEntry* task = add(nullptr, "Water plants");
+    task->edit_due().set_orig(at("3-Mar-2026 09:00"));
+    task->edit_repeat().from_string("T=2@N=1");
+    DiaryEntry* changed = add(nullptr, "Stretch");
+    changed->edit_due().set_orig(at("3-Mar-2026 09:00"));
+    changed->edit_repeat().from_string("T=2@N=1");
+    plan();
+    ASSERT_EQ(diary.complete_operation("Repeats"), ZBErrC_ok);
+    ASSERT_EQ(diary.save(true, true, false), ZBErrC_ok);
+    const std::string copyFile = file + ".copy.zbd";
+    Tervalon::Test::write_file(copyFile, Tervalon::Test::read_file(file));
+
+    Diary copy;
+    ASSERT_EQ(copy.load(copyFile, false), ZBErrC_ok);
+    DiaryEntry* theirs = copy.get_entry_id(task->get_id());
+    DiaryEntry* theirsChanged = copy.get_entry_id(changed->get_id());
+    ASSERT_NE(theirs, nullptr);
+    const ZBDateSlot seed(at("2-Mar-2026 09:00"), at("3-Mar-2026 09:00"));
+    ASSERT_EQ(theirs->edit_repeat().generate(true, seed, nullptr), ZBErrC_ok);
+    ASSERT_EQ(theirsChanged->edit_repeat().generate(true, seed, nullptr), ZBErrC_ok);
+    const std::vector<ZBDateSlot> made = theirs->get_repeat().get_slots();
+    ASSERT_FALSE(made.empty());
+    ASSERT_EQ(theirs->get_repeat().get_state(), 2);
+
+    changed->edit_repeat().from_string("T=2@N=2");
+    const std::vector<ZBDateSlot> before = changed->get_repeat().get_slots();
+    const long stamp = 1L << 40; // nothing here changed after the copy was taken
+    task->load_predicted(copy, stamp);
+    changed->load_predicted(copy, stamp);
+    EXPECT_EQ(task->get_repeat().get_slots(), made);
+    EXPECT_EQ(task->get_repeat().get_state(), 2);
+    EXPECT_EQ(changed->get_repeat().get_slots(), before) << "another rule's instances would be wrong";
+    EXPECT_EQ(changed->get_repeat().to_string(), "T=2@N=2");
+    copy.unload();
 }
