@@ -77,6 +77,64 @@ std::string line_problem(int line, const std::string& text)
     return "line " + std::to_string(line) + ": " + text;
 }
 
+// The first key that an object of text gives twice, and its line. Such a
+// task is ambiguous (which value counts?), and the JSON reader of the toolkit
+// loses memory on it, so it is refused before that reader sees it.
+bool repeated_key(const std::string& text, int& line, std::string& key)
+{
+    std::vector<std::set<std::string>> keys; // one set per open object; arrays hold none
+    std::vector<bool> isObject;
+    bool inString = false;
+    bool expectKey = false;
+    std::string current;
+    line = 1;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '\n')
+            ++line;
+        if (inString) {
+            if (c == '\\' && i + 1 < text.size()) {
+                current += c;
+                current += text[++i];
+            } else if (c == '"') {
+                inString = false;
+                // A string is a key when the next thing after it is a colon.
+                size_t next = i + 1;
+                while (next < text.size() && std::isspace(static_cast<unsigned char>(text[next])))
+                    ++next;
+                if (expectKey && next < text.size() && text[next] == ':' && !keys.empty() && isObject.back()) {
+                    if (!keys.back().insert(current).second) {
+                        key = current;
+                        return true;
+                    }
+                }
+            } else {
+                current += c;
+            }
+            continue;
+        }
+        if (c == '"') {
+            inString = true;
+            current.clear();
+        } else if (c == '{' || c == '[') {
+            keys.emplace_back();
+            isObject.push_back(c == '{');
+            expectKey = c == '{';
+        } else if (c == '}' || c == ']') {
+            if (!keys.empty()) {
+                keys.pop_back();
+                isObject.pop_back();
+            }
+            expectKey = false;
+        } else if (c == ',') {
+            expectKey = !isObject.empty() && isObject.back();
+        } else if (c == ':') {
+            expectKey = false;
+        }
+    }
+    return false;
+}
+
 // The line each element of a valid top-level array starts on, in order.
 std::vector<int> element_lines(const std::string& text)
 {
@@ -123,6 +181,12 @@ std::vector<int> element_lines(const std::string& text)
 // are read one by one too). Lines that are not an object are reported.
 void split_objects(const std::string& text, std::vector<Piece>& pieces, std::vector<std::string>& problems)
 {
+    int repeatLine = 0;
+    std::string repeatKey;
+    if (repeated_key(text, repeatLine, repeatKey)) {
+        problems.push_back(line_problem(repeatLine, "the key \"" + repeatKey + "\" is given twice in one object"));
+        return;
+    }
     QJsonParseError error;
     const QJsonDocument whole = QJsonDocument::fromJson(QByteArray::fromStdString(text), &error);
     if (error.error == QJsonParseError::NoError && whole.isObject()) {

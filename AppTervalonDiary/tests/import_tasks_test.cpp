@@ -292,3 +292,21 @@ TEST_F(ImportTasks, AnImportForgetsTheInstancesOfRepeatingEntries)
     EXPECT_NE(importer.import(diary, "not json"), ZBErrC_ok);
     EXPECT_TRUE(series->get_erepeat().has_slots());
 }
+
+TEST_F(ImportTasks, AKeyGivenTwiceInOneTaskRefusesTheImportNamingTheLine)
+{
+    // Which of the two values would the user mean? Nothing goes in.
+    const int result = run("{\"description\":\"One\",\"tags\":[\"a\"]}\n"
+                           "{\"description\":\"Two\",\"tags\":[\"a\"],\"note\":{\"x\":1},\"tags\":[\"b\"]}\n");
+    EXPECT_TRUE(iszbwarn(result));
+    ASSERT_NE(get_zberror().top(), nullptr);
+    EXPECT_NE(get_zberror().top()->get_message().find("line 2: the key \"tags\" is given twice in one object"),
+              std::string::npos)
+        << get_zberror().top()->get_message();
+    EXPECT_EQ(diary.get_nentries(), 0);
+    get_zberror().clear_all();
+    // The same key in different objects, or a colon inside a value, is fine.
+    ASSERT_EQ(run("[{\"description\":\"a:b\",\"tags\":[\"x\"]},\n {\"description\":\"c\",\"tags\":[\"x\"]}]"), ZBErrC_ok);
+    EXPECT_TRUE(importer.get_problems().empty());
+    EXPECT_EQ(diary.get_nentries(), 2);
+}

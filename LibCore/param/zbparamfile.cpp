@@ -273,8 +273,11 @@ int ZBParamFile::rewrite_file(const ZBParamSet& set)
         std::ofstream out(temp, std::ios::binary | std::ios::trunc);
         if (!out)
             return zbwarning(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", temp.c_str());
+        // A kept line that still ends in a carriage return (the file had two
+        // before its line feed) gets the one the reader takes off back, so
+        // its value reads again as it was.
         for (const std::string& line : lines)
-            out << line << "\n";
+            out << line << (!line.empty() && line.back() == '\r' ? "\r\n" : "\n");
         out.flush();
         if (!out)
             return zbwarning(ZBErrC_FileCreate, ZBLOC, "Could not create the file %s", temp.c_str());

@@ -181,3 +181,22 @@ TEST_F(ParamFile, ARepeatedTagTakesItsLastLineAndARewriteKeepsIt)
         EXPECT_EQ("second", again.get_system_value(tag)) << tag << "\n" << Tervalon::Test::read_file(file);
     }
 }
+
+TEST_F(ParamFile, LinesFromAnotherDeviceKeepTheirValuesThroughARewrite)
+{
+    // Line ends of another system: one carriage return is the line's end, a
+    // second one (written by hand, or at the file's end) belongs to the value.
+    const std::string file = path("crlf.cfg");
+    Tervalon::Test::write_file(file, "System=Plain=one\r\nSystem=Odd=two\r\r\nSystem=Last=three\r\r");
+    ZBParam param;
+    param.add_config_file(file);
+    EXPECT_EQ("one", param.get_system_value("Plain"));
+    EXPECT_EQ("two\r", param.get_system_value("Odd"));
+    EXPECT_EQ("three\r", param.get_system_value("Last"));
+    ASSERT_EQ(ZBErrC_ok, param.set_system_value("New", "1"));
+    ZBParam again;
+    again.add_config_file(file);
+    for (const char* tag : {"Plain", "Odd", "Last"})
+        EXPECT_EQ(param.get_system_value(tag), again.get_system_value(tag)) << tag;
+    EXPECT_EQ("1", again.get_system_value("New"));
+}

@@ -1045,10 +1045,21 @@ ZBDate ZBDateRepeat::next_date(const ZBDate& date, const ZBRepeatConfig* config)
     if (m_state == 0)
         populate_expressions(config);
     ZBDate result = apply_expression(date, config);
+    ZBDate previous = date;
     for (int i = 0; i < C_MaxSteps && is_real(result) && date < result && is_excluded(result); ++i) {
+        // An exclusion longer than the steps left could cross (a daily rule
+        // with centuries excluded) is given up at once rather than walked
+        // step by step to the same answer.
+        const int at = m_exclude.safe_find(result);
+        if (at < m_exclude.size() && !(result < m_exclude[at]->m_start) && previous < result) {
+            const double stepsToLeave = (m_exclude[at]->m_end - result) / (result - previous);
+            if (stepsToLeave > double(C_MaxSteps - i))
+                return date;
+        }
         ZBDate further = apply_expression(result, config);
         if (!is_real(further) || !(result < further))
             return date;
+        previous = result;
         result = further;
     }
     if (!is_real(result) || !(date < result) || is_excluded(result))

@@ -43,6 +43,12 @@ int zb_read_nested(std::istream& in, std::string* value)
             *value += '\n';
         }
         if (!next.empty()) {
+            // A class marker is followed by its class line; anything else
+            // (a closing brace, a field) means the block was damaged, and
+            // reading on would swallow what follows it.
+            if (opened == 0 && next[0] != '{')
+                return zberror(ZBErrC_FileLineInvalid, ZBLOC, "A class marker is not followed by its class: \"%s\".",
+                               next.substr(0, 40).c_str());
             if (next[0] == '{') {
                 ++opened;
                 if (++depth > ZBSerialisationEntry::C_MaxNesting)

@@ -202,3 +202,22 @@ TEST(StreamSafety, ATextFieldGivenTwiceTakesTheLastAndKeepsNoCopy)
         EXPECT_EQ(written, "{SafetyText\n!S!E\n}\n") << text;
     }
 }
+
+TEST(StreamSafety, AnUnknownMemberWithoutItsClassLineIsRefused)
+{
+    // A member this program does not know is kept as it stands; a damaged one
+    // (its class line lost) would otherwise swallow the rest of its owner and
+    // be written back as something that no longer reads.
+    const std::string kept = "{SafetyText\n!T!a\n@Later\n{Newer\n!X!1\n}\n}\n";
+    ZBObject* object = nullptr;
+    EXPECT_EQ(ZBObject::object_from_string(kept, object, 0), ZBErrC_ok);
+    delete object;
+    for (const char* damaged : {"{SafetyText\n!T!a\n@Later\n}\n@Other\n{Newer\n}\n}\n",
+                                "{SafetyText\n@Later\n!X!1\n{Newer\n}\n}\n"}) {
+        object = nullptr;
+        EXPECT_TRUE(iszberr(ZBObject::object_from_string(damaged, object, 0))) << damaged;
+        EXPECT_EQ(object, nullptr);
+        EXPECT_NE(error_text().find("A class marker is not followed by its class"), std::string::npos) << error_text();
+        get_zberror().clear_all();
+    }
+}
