@@ -112,6 +112,41 @@ void EntryProperties::resolve_timetype(char type)
 
 // ---------------------------------------------------------------- alerts
 
+void EntryProperties::add_notice(int scheme, double priority, E_Notice kind, const ZBDate& date)
+{
+    m_notify.push_back(Notice{date, priority, scheme, kind});
+}
+
+std::vector<ZBNotifyItem> EntryProperties::get_notifications() const
+{
+    std::vector<ZBNotifyItem> items;
+    const DiaryEntry* entry = get_entry();
+    if (!entry || m_notify.empty())
+        return items;
+    const std::string& title = entry->get_summary();
+    items.reserve(m_notify.size());
+    for (const Notice& notice : m_notify) {
+        std::string text;
+        switch (notice.kind) {
+        case E_Overdue: text = "OVERDUE: " + title; break;
+        case E_Urgent: text = "Urgent: " + title; break;
+        case E_Delayed: text = "Delayed: " + title; break;
+        case E_ReminderAt: text = "Reminder: " + title + " at " + entry->get_start().calc.to_string(); break;
+        case E_ShouldStart: text = "Should start: " + title; break;
+        case E_Clash: {
+            const auto& clash = entry->get_plan().get_clash();
+            text = "Time Clash with: " + (clash.empty() ? std::string() : clash.front());
+            break;
+        }
+        case E_OverSpend: text = "Over Spent: " + title; break;
+        case E_MayOverSpend: text = "May Over Spend: " + title; break;
+        case E_Reminder: text = "Reminder: " + title; break;
+        }
+        items.emplace_back(notice.scheme, notice.priority, text, entry->get_id(), notice.date);
+    }
+    return items;
+}
+
 void EntryProperties::update_alerts(Diary* diary, bool offline)
 {
     m_notify.clear();
@@ -124,8 +159,6 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
     const bool running = spent.has_running_session();
     const ZBProgress& progress = entry->get_duration().calc;
     const double priority = entry->get_priority().calc;
-    const std::string& title = entry->get_summary();
-    const int id = entry->get_id();
     const bool appointment = entry->get_derived_entrytype() == 'A';
     const bool leaf = entry->get_nchildren() == 0;
 
@@ -142,7 +175,7 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
     }
 
     int level = 0;
-    if (priority >= EntryPriority::C_PriorityDue || (diary && diary->get_checker().has_error(id)))
+    if (priority >= EntryPriority::C_PriorityDue || (diary && diary->get_checker().has_error(entry->get_id())))
         level = 4;
     else if (priority >= EntryPriority::C_PriorityUrgent || over)
         level = 3;
@@ -159,43 +192,40 @@ void EntryProperties::update_alerts(Diary* diary, bool offline)
         const ZBDate& due = entry->get_due().orig;
         const ZBDate& mustStart = entry->get_muststart();
         if (due.is_ok() && due <= now)
-            m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
+            add_notice(Diary::C_NotifyOverdue, priority, E_Overdue, blank);
         if (appointment && start.is_ok() && start < now && !running)
-            m_notify.emplace_back(Diary::C_NotifyOverdue, priority, "OVERDUE: " + title, id, blank);
+            add_notice(Diary::C_NotifyOverdue, priority, E_Overdue, blank);
         if (mustStart.is_ok() && mustStart <= now && !entry->is_planned() && leaf)
-            m_notify.emplace_back(Diary::C_NotifyUrgent, priority, "Urgent: " + title, id, blank);
+            add_notice(Diary::C_NotifyUrgent, priority, E_Urgent, blank);
         if (plan.could_overrun() && leaf && !plan.should_start())
-            m_notify.emplace_back(Diary::C_NotifyDelayed, priority, "Delayed: " + title, id, blank);
+            add_notice(Diary::C_NotifyDelayed, priority, E_Delayed, blank);
         if (appointment && start.is_ok() && now < start && start <= now + reminderTime)
-            m_notify.emplace_back(Diary::C_NotifyReminder, priority,
-                                  "Reminder: " + title + " at " + start.to_string(), id, blank);
+            add_notice(Diary::C_NotifyReminder, priority, E_ReminderAt, blank);
         if (plan.should_start())
-            m_notify.emplace_back(Diary::C_NotifyShouldStart, priority, "Should start: " + title, id, blank);
+            add_notice(Diary::C_NotifyShouldStart, priority, E_ShouldStart, blank);
     }
     if (!plan.get_clash().empty())
-        m_notify.emplace_back(Diary::C_NotifyClash, EntryPriority::C_PriorityUrgent,
-                              "Time Clash with: " + plan.get_clash().front(), id, blank);
+        add_notice(Diary::C_NotifyClash, EntryPriority::C_PriorityUrgent, E_Clash, blank);
     if (over)
-        m_notify.emplace_back(Diary::C_NotifyOverSpend, 100.0, "Over Spent: " + title, id, blank);
+        add_notice(Diary::C_NotifyOverSpend, 100.0, E_OverSpend, blank);
     if (mayOver)
-        m_notify.emplace_back(Diary::C_NotifyMayOverSpend, 50.0, "May Over Spend: " + title, id, blank);
+        add_notice(Diary::C_NotifyMayOverSpend, 50.0, E_MayOverSpend, blank);
 
     // Reminders for later, for a list that shows them when their time comes.
     if (offline && !entry->is_complete()) {
-        const std::string text = "Reminder: " + title;
         if (appointment && start.is_ok()) {
             const ZBDate early = start - reminderTime;
             if (now < early)
-                m_notify.emplace_back(Diary::C_NotifyReminder, 400.0, text, id, early);
+                add_notice(Diary::C_NotifyReminder, 400.0, E_Reminder, early);
             else if (now < start)
-                m_notify.emplace_back(Diary::C_NotifyReminder, 400.0, text, id, start);
+                add_notice(Diary::C_NotifyReminder, 400.0, E_Reminder, start);
         } else if (!appointment) {
             const ZBDate& mustStart = entry->get_muststart();
             if (mustStart.is_ok() && now < mustStart)
-                m_notify.emplace_back(Diary::C_NotifyReminder, 300.0, text, id, mustStart);
+                add_notice(Diary::C_NotifyReminder, 300.0, E_Reminder, mustStart);
             const ZBDate& due = entry->get_due().calc;
             if (due.is_ok() && now < due)
-                m_notify.emplace_back(Diary::C_NotifyReminder, 300.0, text, id, due);
+                add_notice(Diary::C_NotifyReminder, 300.0, E_Reminder, due);
         }
     }
 

@@ -53,13 +53,35 @@ public:
     // The entry's alert level (0 to 4) and the notifications of this round;
     // with offline, reminders for later are added with their dates.
     void update_alerts(Diary* diary, bool offline);
-    const std::vector<ZBNotifyItem>& get_notifications() const { return m_notify; }
+    // The notifications with their texts, made when asked: an entry keeps
+    // only what each one is, so that a diary with many late tasks does not
+    // hold a sentence for each.
+    std::vector<ZBNotifyItem> get_notifications() const;
 
 private:
     ZBCalcPair<int> m_resource;
     ZBCalcPair<int> m_timeType;
     bool m_report;
-    std::vector<ZBNotifyItem> m_notify;
+    // What a notification says, as its text is made from the entry.
+    enum E_Notice : unsigned char {
+        E_Overdue,
+        E_Urgent,
+        E_Delayed,
+        E_ReminderAt, // "Reminder: TITLE at START"
+        E_ShouldStart,
+        E_Clash,
+        E_OverSpend,
+        E_MayOverSpend,
+        E_Reminder // a reminder for later, with its date
+    };
+    struct Notice {
+        ZBDate date;
+        double priority;
+        int scheme;
+        E_Notice kind;
+    };
+    void add_notice(int scheme, double priority, E_Notice kind, const ZBDate& date);
+    std::vector<Notice> m_notify;
 };
 
 } // namespace Tervalon

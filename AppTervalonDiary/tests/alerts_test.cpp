@@ -1,16 +1,19 @@
 #include "AppTervalonDiary/tests/plan_fixture.h"
 #include "LibGui/base/zbnotifylist.h"
 
+#include <memory>
+
 using namespace Tervalon;
 
 namespace {
 struct Alerts : public Test::PlanFixture {
     // The one notification of the entry whose code is code, or null.
-    static const ZBNotifyItem* find(const DiaryEntry* entry, int code)
+    // The entry's current notification of a code; the list is made when asked.
+    static std::unique_ptr<ZBNotifyItem> find(const DiaryEntry* entry, int code)
     {
         for (const ZBNotifyItem& item : entry->get_props().get_notifications())
             if (item.get_scheme() == code && !item.get_date().is_ok())
-                return &item;
+                return std::unique_ptr<ZBNotifyItem>(new ZBNotifyItem(item));
         return nullptr;
     }
 };
@@ -76,7 +79,7 @@ TEST_F(Alerts, EachRowOfTheTableGivesItsTextCodePriorityAndLevel)
         {mayOver, Diary::C_NotifyMayOverSpend, "May Over Spend: Slides", 50.0, 2},
     };
     for (const Row& row : rows) {
-        const ZBNotifyItem* item = find(row.entry, row.code);
+        const std::unique_ptr<ZBNotifyItem> item = find(row.entry, row.code);
         ASSERT_NE(item, nullptr) << row.text;
         EXPECT_EQ(item->get_text(), row.text);
         EXPECT_EQ(item->get_object_id(), row.entry->get_id());
