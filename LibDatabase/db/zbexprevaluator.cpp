@@ -177,15 +177,32 @@ private:
         --m_depth;
         return value;
     }
+    // A run of signs ("!!-+x") is read in a loop and applied from the inside
+    // out, so that only brackets count as nesting: the same text in brackets
+    // is then always one level deeper, whatever its signs.
     Value parse_unary_at_depth()
     {
-        if (accept("!"))
-            return Value::of(!parse_unary().truth());
-        if (accept("-"))
-            return Value::of(-parse_unary().num());
-        if (accept("+"))
-            return Value::of(parse_unary().num());
-        return parse_primary();
+        std::string signs;
+        for (;;) {
+            if (accept("!"))
+                signs += '!';
+            else if (accept("-"))
+                signs += '-';
+            else if (accept("+"))
+                signs += '+';
+            else
+                break;
+        }
+        Value value = parse_primary();
+        for (auto sign = signs.rbegin(); sign != signs.rend() && m_error.empty(); ++sign) {
+            if (*sign == '!')
+                value = Value::of(!value.truth());
+            else if (*sign == '-')
+                value = Value::of(-value.num());
+            else
+                value = Value::of(value.num());
+        }
+        return value;
     }
     Value parse_primary()
     {

@@ -34,7 +34,10 @@ TEST(ExpressionDepth, DeepTextIsRefusedWithAMessageNotACrash)
         {nested(limit - 1, "-", "4", ""), true, "-4"},
         {nested(limit + 1, "(", "1", ")"), false, ""},
         {nested(100000, "(", "1", ")"), false, ""},
-        {nested(100000, "!", "1", ""), false, ""},
+        // Signs are read in a loop: a long run of them is no nesting, and the
+        // same text in brackets gives the same value.
+        {nested(100000, "!", "1", ""), true, "true"},
+        {"(" + nested(limit, "-", "4", "") + ")", true, "4"},
         {nested(100000, "-(", "1", ")"), false, ""},
         {"1 + " + nested(100000, "(", "", ""), false, ""},
     };
